@@ -1,0 +1,38 @@
+# How everything in this tree is compiled.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+# Installed programs and libraries find their neighbours wherever the prefix is moved to.
+file(RELATIVE_PATH quillet_libdir_from_bindir "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_INSTALL_RPATH "$ORIGIN" "$ORIGIN/${quillet_libdir_from_bindir}")
+
+find_program(QUILLET_CCACHE ccache DOC "Compiler cache, used when found")
+if(QUILLET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${QUILLET_CCACHE}")
+endif()
+
+# The targets of this project link to this; it is not installed and binds no consumer.
+add_library(quillet_build_options INTERFACE)
+
+# A GNU-unique symbol pins its library in memory: libquillet.so must leave the process on dlclose.
+target_compile_options(quillet_build_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+
+if(QUILLET_WERROR)
+    target_compile_options(quillet_build_options INTERFACE
+        -Wall -Wextra -Wpedantic -Werror
+        -Wcast-align -Wcast-qual -Wconversion -Wextra-semi -Wformat=2 -Wnon-virtual-dtor -Wold-style-cast
+        -Woverloaded-virtual -Wshadow -Wsign-conversion -Wswitch-enum -Wundef -Wunused
+        $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op -Wsuggest-override>)
+endif()
+
+if(QUILLET_SANITIZE)
+    target_compile_options(quillet_build_options INTERFACE
+        -fsanitize=${QUILLET_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(quillet_build_options INTERFACE -fsanitize=${QUILLET_SANITIZE})
+endif()

@@ -1,0 +1,18 @@
+# find_package(quillet) and pkg-config for whoever builds against an installed tree.
+
+include(CMakePackageConfigHelpers)
+
+set(quillet_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/quillet")
+
+install(EXPORT quilletTargets NAMESPACE quillet:: DESTINATION "${quillet_package_dir}")
+configure_package_config_file(cmake/quilletConfig.cmake.in "${PROJECT_BINARY_DIR}/quilletConfig.cmake"
+    INSTALL_DESTINATION "${quillet_package_dir}"
+    NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/quilletConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/quilletConfig.cmake" "${PROJECT_BINARY_DIR}/quilletConfigVersion.cmake"
+    DESTINATION "${quillet_package_dir}")
+
+# The prefix in the file is worked out from the file's own place, so an installed tree can be moved.
+file(RELATIVE_PATH quillet_prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+configure_file(cmake/quillet.pc.in "${PROJECT_BINARY_DIR}/quillet.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/quillet.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
