@@ -1,0 +1,36 @@
+# The commands that a newcomer types. Everything here is a script or a CMake preset that can be called by itself.
+
+PRESET ?= dev
+
+.DEFAULT_GOAL := help
+.PHONY: help setup build run test check format clean
+
+help: ## show this list
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-8s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@echo "PRESET=dev|release|asan|tsan chooses how to build (now: $(PRESET))"
+
+setup: ## install the Debian packages that are missing (as root or through sudo)
+	@scripts/setup build test
+
+build: setup ## build everything
+	@cmake --preset $(PRESET)
+	@cmake --build --preset $(PRESET)
+
+run: setup ## build, then show the daemon and the client at work
+	@cmake --preset $(PRESET)
+	@cmake --build --preset $(PRESET) --target program-zwaved program-quillet
+	@scripts/demo build/$(PRESET)
+
+test: build ## build, then run the tests
+	@ctest --preset $(PRESET)
+
+check: ## check layout, scripts and sources without running them
+	@scripts/setup
+	@scripts/check
+
+format: ## lay out the C++ files
+	@scripts/setup check
+	@scripts/format
+
+clean: ## remove what was built
+	@rm -rf build
