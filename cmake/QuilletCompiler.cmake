@@ -32,7 +32,7 @@ if(QUILLET_WERROR)
 endif()
 
 if(QUILLET_SANITIZE)
-    target_compile_options(quillet_build_options INTERFACE
-        -fsanitize=${QUILLET_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(quillet_build_options INTERFACE -fsanitize=${QUILLET_SANITIZE})
+    set(quillet_sanitizer_flags -fsanitize=${QUILLET_SANITIZE} -fno-sanitize-recover=all)
+    target_compile_options(quillet_build_options INTERFACE ${quillet_sanitizer_flags} -fno-omit-frame-pointer)
+    target_link_options(quillet_build_options INTERFACE ${quillet_sanitizer_flags})
 endif()

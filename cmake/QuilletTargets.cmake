@@ -25,6 +25,7 @@ function(quillet_library name)
             SOVERSION ${PROJECT_VERSION_MAJOR})
         target_compile_features(${name} PUBLIC cxx_std_17)
         target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:quillet_build_options>)
+        set_property(GLOBAL APPEND PROPERTY quillet_libraries ${name})
         # Without this a library that forgot a dependency is only found out by the program that loads it.
         if(NOT QUILLET_SANITIZE)
             target_link_options(${name} PRIVATE LINKER:--no-undefined)
@@ -84,7 +85,9 @@ function(quillet_tests folder)
     target_compile_definitions(${folder}-tests PRIVATE
         QUILLET_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
         QUILLET_GOLDEN_DIR="${PROJECT_SOURCE_DIR}/tests/golden"
-        QUILLET_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+        QUILLET_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
+        QUILLET_LIBRARY="$<TARGET_FILE:quillet>")
+    add_dependencies(${folder}-tests quillet)
     foreach(program IN ITEMS program-zwaved program-quillet)
         if(TARGET ${program})
             add_dependencies(${folder}-tests ${program})
@@ -94,4 +97,13 @@ function(quillet_tests folder)
         TEST_PREFIX "${folder}/"
         DISCOVERY_TIMEOUT 120
         PROPERTIES LABELS ${folder} TIMEOUT 120)
+endfunction()
+
+# quillet_script_test(<folder>/<test> <script> [<argument>...])
+#
+# The folder's script, with the arguments, as a ctest test with the folder's name as its label.
+function(quillet_script_test test script)
+    cmake_path(GET test PARENT_PATH folder)
+    add_test(NAME ${test} COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/${script}" ${ARGN})
+    set_tests_properties(${test} PROPERTIES LABELS ${folder} TIMEOUT 300)
 endfunction()
