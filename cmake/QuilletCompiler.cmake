@@ -8,9 +8,6 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
-# Installed programs and libraries find their neighbours wherever the prefix is moved to.
-file(RELATIVE_PATH quillet_libdir_from_bindir "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-set(CMAKE_INSTALL_RPATH "$ORIGIN" "$ORIGIN/${quillet_libdir_from_bindir}")
 
 find_program(QUILLET_CCACHE ccache DOC "Compiler cache, used when found")
 if(QUILLET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)

@@ -21,6 +21,7 @@ function(quillet_library name)
         set_target_properties(${name} PROPERTIES
             CXX_VISIBILITY_PRESET hidden
             VISIBILITY_INLINES_HIDDEN ON
+            INSTALL_RPATH "$ORIGIN"
             VERSION ${PROJECT_VERSION}
             SOVERSION ${PROJECT_VERSION_MAJOR})
         target_compile_features(${name} PUBLIC cxx_std_17)
@@ -62,8 +63,13 @@ function(quillet_program name)
         return()
     endif()
     add_executable(program-${name} ${sources})
+    # An installed program finds its libraries wherever the prefix is moved to.
+    file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
     # ENABLE_EXPORTS lets a stack trace name the program's own functions.
-    set_target_properties(program-${name} PROPERTIES OUTPUT_NAME ${name} ENABLE_EXPORTS ON)
+    set_target_properties(program-${name} PROPERTIES
+        OUTPUT_NAME ${name}
+        INSTALL_RPATH "$ORIGIN/${libraries}"
+        ENABLE_EXPORTS ON)
     target_link_libraries(program-${name} PRIVATE ${ARGN} quillet_build_options)
     install(TARGETS program-${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
