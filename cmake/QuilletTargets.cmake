@@ -12,7 +12,7 @@ endfunction()
 # quillet_library(<name> [PUBLIC <target>...] [PRIVATE <target>...])
 #
 # The folder's sources as the shared library lib<name>.so, known as quillet::<name>, with its headers installed
-# in the place that they have in this tree.
+# in the place that they have in this tree. A folder that has only headers is an interface library.
 function(quillet_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE")
     quillet_find_sources(sources "*.cpp")
