@@ -1,0 +1,153 @@
+#pragma once
+
+#include "platform/libtransport/SerialValue.h"
+#include "platform/libtransport/TypeDescriptor.h"
+
+#include <limits>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+// The members of a class on the wire, each named once:
+//
+//     struct PingMsg::Wire {
+//         static constexpr auto members = std::make_tuple(
+//             member("destination_", &PingMsg::destination_, "node to ping"),
+//             member("latencyMs_", &PingMsg::latencyMs_, "round-trip time, milliseconds"));
+//     };
+//
+// The writer, the reader and the descriptors below are folds over such a table.
+
+namespace zorv {
+
+template <class Class, class T> struct Member {
+    char const* key;
+    T Class::*pointer;
+    char const* doc;
+};
+
+template <class Class, class T> constexpr Member<Class, T> member(char const* key, T Class::*pointer, char const* doc) {
+    return {key, pointer, doc};
+}
+
+/// Stands for the base of a class whose frame ends the chain of bases.
+struct NoBase {};
+
+/// Writes an object without a frame, for records whose class is known from the place where they stand.
+template <class Self, class Members> void insertRecord(Serializer& s, Self const& self, Members const& members) {
+    bool first = true;
+    s << opencurly;
+    auto const insert = [&](auto const& m) {
+        if (!first) { s << comma; }
+        first = false;
+        s << noescape << m.key << colon << self.*m.pointer;
+    };
+    std::apply([&](auto const&... m) { (insert(m), ...); }, members);
+    s << closecurly;
+}
+
+/// Writes an object with its frame: serial name, the frame of its base class, members.
+template <class Base, class Self, class Members>
+void insertFrame(Serializer& s, char const* serialName, Self const& self, Members const& members) {
+    s << opencurly << noescape << Serializer::name << colon << noescape << serialName;
+    s << comma << noescape << Serializer::bases << colon << openbracket;
+    if constexpr (!std::is_same_v<Base, NoBase>) { self.Base::serialInserter(s); }
+    s << closebracket;
+    std::apply([&](auto const&... m) { ((s << comma << noescape << m.key << colon << self.*m.pointer), ...); },
+               members);
+    s << closecurly;
+}
+
+/// Reads values by their input operators.
+struct ValueReader {
+    template <class T> void operator()(Serializer& s, T& value) const { s >> value; }
+    template <class T> void operator()(Serializer& s, std::vector<T>& list) const { readElements(s, list); }
+};
+
+/// Reads an object that insertRecord wrote.
+template <class Reader = ValueReader, class Self, class Members>
+void extractRecord(Serializer& s, Self& self, Members const& members, Reader read = {}) {
+    std::apply([&](auto const&... m) { ((s >> m.key, read(s, self.*m.pointer)), ...); }, members);
+    s >> finished;
+}
+
+/// Reads an object that insertFrame wrote.
+template <class Base, class Reader = ValueReader, class Self, class Members>
+void extractFrame(Serializer& s, Self& self, Members const& members, Reader read = {}) {
+    if constexpr (!std::is_same_v<Base, NoBase>) {
+        s >> Serializer::bases >> Base::serialName() >> basector;
+        self.Base::serialExtract(s);
+        s >> finished;
+    }
+    extractRecord(s, self, members, read);
+}
+
+// ---- descriptors
+
+template <class T> struct Type {};
+
+inline TypeDescriptor describeType(Type<bool>) { return {TypeDescriptor::Kind::boolean, "bool"}; }
+inline TypeDescriptor describeType(Type<double>) { return {TypeDescriptor::Kind::number, "double"}; }
+inline TypeDescriptor describeType(Type<std::string>) { return {TypeDescriptor::Kind::text, "string"}; }
+inline TypeDescriptor describeType(Type<TimeStamp>) { return {TypeDescriptor::Kind::text, "time stamp"}; }
+inline TypeDescriptor describeType(Type<boost::uuids::uuid>) { return {TypeDescriptor::Kind::text, "UUID"}; }
+inline TypeDescriptor describeType(Type<boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>>) {
+    return {TypeDescriptor::Kind::text, "TCP endpoint"};
+}
+
+template <class Integer> TypeDescriptor describeInteger(char const* name) {
+    using Limits = std::numeric_limits<Integer>;
+    return {TypeDescriptor::Kind::integer, name, static_cast<double>(Limits::min()),
+            static_cast<double>(Limits::max())};
+}
+
+inline TypeDescriptor describeType(Type<int>) { return describeInteger<int>("int"); }
+inline TypeDescriptor describeType(Type<unsigned int>) { return describeInteger<unsigned int>("unsigned int"); }
+inline TypeDescriptor describeType(Type<unsigned short>) { return describeInteger<unsigned short>("unsigned short"); }
+inline TypeDescriptor describeType(Type<unsigned char>) { return describeInteger<unsigned char>("unsigned byte"); }
+
+template <class T> TypeDescriptor describeType(Type<T>);
+
+template <class T> TypeDescriptor describeType(Type<boost::shared_ptr<T>>) {
+    return {TypeDescriptor::Kind::reference, T::serialName()};
+}
+
+template <class T> TypeDescriptor describeType(Type<std::vector<T>>) {
+    TypeDescriptor type{TypeDescriptor::Kind::list, "list"};
+    type.elements.push_back(describeType(Type<T>()));
+    return type;
+}
+
+template <class Key, class Value, class Hash, class Equal>
+TypeDescriptor describeType(Type<boost::unordered_map<Key, Value, Hash, Equal>>) {
+    TypeDescriptor type{TypeDescriptor::Kind::pairs, "pairs"};
+    type.elements.push_back(describeType(Type<Key>()));
+    type.elements.push_back(describeType(Type<Value>()));
+    return type;
+}
+
+/// Enumerations describe themselves from their tables, records from their members.
+template <class T> TypeDescriptor describeType(Type<T>) {
+    if constexpr (std::is_enum_v<T>) {
+        return describe(T());
+    } else {
+        return T::describe();
+    }
+}
+
+/// Describes the members of a class; their defaults are those of `blank`.
+template <class Self, class Members>
+std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& members) {
+    std::vector<MemberDescriptor> descriptors;
+    auto const add = [&](auto const& m) {
+        using T = std::decay_t<decltype(blank.*m.pointer)>;
+        Serializer s;
+        s << blank.*m.pointer;
+        descriptors.push_back({m.key, m.doc, describeType(Type<T>()), s.str()});
+    };
+    std::apply([&](auto const&... m) { (add(m), ...); }, members);
+    return descriptors;
+}
+
+} // namespace zorv

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "platform/libtransport/EnumDeclaration.h"
+#include "platform/libtransport/Serializable.h"
+#include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/TimeStamp.h"
+
+#include <boost/asio/ip/basic_endpoint.hpp>
+#include <boost/shared_ptr.hpp>
+#include <boost/unordered_map.hpp>
+#include <boost/uuid/uuid.hpp>
+
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+// How the member types of messages and records are written and read, beyond what the Serializer knows itself.
+
+namespace boost::asio::ip {
+class tcp;
+} // namespace boost::asio::ip
+
+namespace zorv {
+
+// ---- enumerations: their text
+
+template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operator<<(Serializer& s, Enum value) {
+    return s << toString(value);
+}
+
+template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operator>>(Serializer& s, Enum& value) {
+    if (s.skipAbsent()) { return s; }
+    std::string text;
+    s >> text;
+    parse(text, value);
+    return s;
+}
+
+// ---- header values: their text
+
+ZORV_EXPORT Serializer& operator<<(Serializer& s, TimeStamp const& value);
+ZORV_EXPORT Serializer& operator>>(Serializer& s, TimeStamp& value);
+ZORV_EXPORT Serializer& operator<<(Serializer& s, boost::uuids::uuid const& value);
+ZORV_EXPORT Serializer& operator>>(Serializer& s, boost::uuids::uuid& value);
+ZORV_EXPORT Serializer& operator<<(Serializer& s, boost::asio::ip::basic_endpoint<boost::asio::ip::tcp> const& value);
+ZORV_EXPORT Serializer& operator>>(Serializer& s, boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>& value);
+
+// ---- records: an object of their own
+
+inline Serializer& operator<<(Serializer& s, Serializable const& record) {
+    record.serialInserter(s);
+    return s;
+}
+
+inline Serializer& operator>>(Serializer& s, Serializable& record) {
+    record.serialExtract(s);
+    return s;
+}
+
+// ---- pointers to records: a framed object, or null
+
+template <class T> Serializer& operator<<(Serializer& s, boost::shared_ptr<T> const& pointer) {
+    if (!pointer) { return s << null; }
+    return s << *pointer;
+}
+
+/// Null empties the pointer; so does an object of a registered class that is not a `T`.
+template <class T> Serializer& operator>>(Serializer& s, boost::shared_ptr<T>& pointer) {
+    if (s.skipAbsent()) { return s; }
+    if (s.isNull()) {
+        s.topNode();
+        pointer.reset();
+        return s;
+    }
+    std::unique_ptr<Serializable> object(s.deserialize());
+    auto* const narrowed = dynamic_cast<T*>(object.get());
+    if (narrowed != nullptr) { object.release(); }
+    pointer.reset(narrowed);
+    return s;
+}
+
+// ---- lists: an array
+
+template <class T> Serializer& operator<<(Serializer& s, std::vector<T> const& list) {
+    s << openbracket;
+    bool first = true;
+    for (auto const& element : list) {
+        if (!first) { s << comma; }
+        first = false;
+        s << element;
+    }
+    return s << closebracket;
+}
+
+/// Reads an array into a vector, which takes the array's length; elements that were there are read over.
+template <class T> Serializer& readElements(Serializer& s, std::vector<T>& list) {
+    if (s.skipAbsent()) { return s; }
+    list.resize(s.size());
+    for (std::size_t i = 0; i < list.size(); ++i) { s.element(i) >> list[i]; }
+    return s >> finished;
+}
+
+// ---- maps: an array of pairs, in the map's own order
+
+template <class Key, class Value, class Hash, class Equal>
+Serializer& operator<<(Serializer& s, boost::unordered_map<Key, Value, Hash, Equal> const& map) {
+    s << openbracket;
+    bool first = true;
+    for (auto const& entry : map) {
+        if (!first) { s << comma; }
+        first = false;
+        s << openbracket << entry.first << comma << entry.second << closebracket;
+    }
+    return s << closebracket;
+}
+
+/// Reads an array of pairs into a map: of equal keys the first wins, and entries that were there are kept.
+template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Map& map, RequireArray requireArray) {
+    if (s.skipAbsent()) { return s; }
+    requireArray(s);
+    auto const count = s.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        s.element(i);
+        requireArray(s);
+        typename Map::key_type key;
+        typename Map::mapped_type value;
+        s.element(0) >> key;
+        s.element(1) >> value;
+        map.emplace(std::move(key), std::move(value));
+        s >> finished;
+    }
+    return s >> finished;
+}
+
+} // namespace zorv

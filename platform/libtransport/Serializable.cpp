@@ -1,0 +1,21 @@
+#include "platform/libtransport/Serializable.h"
+
+#include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/readSerializable.h"
+
+namespace zorv {
+
+void Serializable::serialInserter(Serializer& s) const {
+    s << opencurly << noescape << Serializer::name << colon << serialName();
+    s << comma << noescape << Serializer::bases << colon << openbracket << closebracket;
+    s << comma << noescape << "version_" << colon << version_ << closecurly;
+}
+
+void Serializable::serialExtract(Serializer& s) { s >> "version_" >> version_ >> finished; }
+
+boost::shared_ptr<Serializable> readSerializable(std::string const& text) {
+    Serializer s(text);
+    return boost::shared_ptr<Serializable>(s.deserialize());
+}
+
+} // namespace zorv

@@ -1,0 +1,78 @@
+#include "platform/libtransport/TMessage.h"
+
+#include "platform/libtransport/MemberTable.h"
+
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/uuid/nil_generator.hpp>
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
+
+#include <ostream>
+
+namespace zorv {
+
+namespace {
+
+boost::uuids::uuid freshIdentity() {
+    // Seeding takes a system call, drawing does not.
+    static thread_local boost::uuids::random_generator_mt19937 generator;
+    return generator();
+}
+
+} // namespace
+
+struct TMessage::Wire {
+    static constexpr auto members =
+        std::make_tuple(member("version_", &TMessage::version_, "version of the header"),
+                        member("id_", &TMessage::id_, "identity of the message"),
+                        member("timestamp_", &TMessage::timestamp_, "when the message was made, UTC"),
+                        member("priority_", &TMessage::priority_, "order among waiting messages"),
+                        member("source_", &TMessage::source_, "where the request came from"),
+                        member("role_", &TMessage::role_, "what the message is to its receiver"),
+                        member("correlation_", &TMessage::correlation_, "identity of the request that it answers"));
+};
+
+TMessage::TMessage()
+    : Serializable(1), id_(freshIdentity()), timestamp_(TimeStamp::now()), correlation_(boost::uuids::nil_uuid()) {}
+
+void TMessage::serialInserter(Serializer& s) const { insertFrame<NoBase>(s, serialName(), *this, Wire::members); }
+
+void TMessage::serialExtract(Serializer& s) { extractFrame<NoBase>(s, *this, Wire::members); }
+
+bool TMessage::less(boost::shared_ptr<Message> const& other) const {
+    auto const* const message = dynamic_cast<TMessage const*>(other.get());
+    if (message == nullptr) { return false; }
+    if (priority_ != message->priority_) { return priority_ < message->priority_; }
+    return message->timestamp_ < timestamp_;
+}
+
+void TMessage::print(std::ostream& os) const {
+    Serializer s;
+    serialInserter(s);
+    os << s.str();
+}
+
+void TMessage::accumulateDisplay(StringVecVec& rows) const {
+    auto const addRow = [&rows](char const* label, auto const& value) {
+        accumulateDisplayValue(rows, 0, std::string(label));
+        accumulateDisplayValue(rows, 1, value);
+    };
+    addRow("Message:", name());
+    addRow("Id:", id_);
+    addRow("Time:", timestamp_);
+    addRow("Priority:", priority_);
+    addRow("Source:", source_);
+    addRow("Role:", role_);
+}
+
+void TMessage::setResponse(TMessage const& request) {
+    auto const requestId = request.id_;
+    source_ = request.source_;
+    correlation_ = requestId;
+    if (id_ == requestId) {
+        id_ = freshIdentity();
+        timestamp_ = TimeStamp::now();
+    }
+}
+
+} // namespace zorv

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/libtransport/Message.h"
+#include "platform/libtransport/MessageRole.h"
+#include "platform/libtransport/Priority.h"
+#include "platform/libtransport/Serializable.h"
+#include "platform/libtransport/TimeStamp.h"
+#include "transport/CliViewer.h"
+
+#include <boost/asio/ip/basic_endpoint.hpp>
+#include <boost/uuid/uuid.hpp>
+
+namespace boost::asio::ip {
+class tcp;
+} // namespace boost::asio::ip
+
+namespace zorv {
+
+/// Base of every message: its header, which says which message it is, since when, from whom and in answer to what.
+class ZORV_EXPORT TMessage : public Serializable, public Message, public CliViewer {
+public:
+    using Endpoint = boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>;
+
+    /// A message of its own: with a fresh identity, made now, of normal priority and without a role.
+    TMessage();
+
+    /// Writes the header as the innermost frame, the one whose bases array is empty.
+    void serialInserter(Serializer& s) const override;
+    void serialExtract(Serializer& s) override;
+
+    /// Lower priorities come after higher ones, and younger messages after older ones.
+    bool less(boost::shared_ptr<Message> const& other) const override;
+
+    /// Writes the message's JSON text.
+    void print(std::ostream& os) const override;
+
+    /// Appends the header as rows of a label and a value.
+    void accumulateDisplay(StringVecVec& rows) const override;
+
+    boost::uuids::uuid const& id() const noexcept { return id_; }
+    TimeStamp const& timestamp() const noexcept { return timestamp_; }
+    Priority::Enum priority() const noexcept { return priority_; }
+    Endpoint const& source() const noexcept { return source_; }
+    MessageRole::Enum role() const noexcept { return role_; }
+
+    /// Identity of the message that this one answers; nil where it answers none.
+    boost::uuids::uuid const& correlation() const noexcept { return correlation_; }
+
+    void priority(Priority::Enum priority) noexcept { priority_ = priority; }
+    void source(Endpoint const& source) { source_ = source; }
+    void role(MessageRole::Enum role) noexcept { role_ = role; }
+
+    /// Makes this message the answer to `request`: its correlation becomes the request's identity, its source the
+    /// request's source. A copy of the request gets an identity and a time stamp of its own. The role is not touched.
+    void setResponse(TMessage const& request);
+
+    static char const* serialName() noexcept { return "zorv::TMessage"; }
+
+private:
+    struct Wire;
+
+    boost::uuids::uuid id_;
+    TimeStamp timestamp_;
+    Priority::Enum priority_ = Priority::normal;
+    Endpoint source_;
+    MessageRole::Enum role_ = MessageRole::none;
+    boost::uuids::uuid correlation_;
+};
+
+} // namespace zorv

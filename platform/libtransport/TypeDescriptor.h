@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zorv {
+
+struct MemberDescriptor;
+
+/// One value of an enumeration, or one flag of a set, and its text.
+struct EnumText {
+    int value;
+    std::string text;
+};
+
+/// What a value looks like on the wire.
+struct TypeDescriptor {
+    enum class Kind {
+        boolean,
+        integer,
+        number,
+        text,
+        enumeration, ///< one of the texts
+        openSet,     ///< one of the texts, or "0x" and hex digits
+        flagSet,     ///< texts joined by "|"
+        record,      ///< an object that is always there
+        reference,   ///< a framed object of `name` or of a class derived from it, or null
+        list,        ///< an array of `elements[0]`
+        pairs        ///< an array of two-element arrays, `elements[0]` and `elements[1]`
+    };
+
+    Kind kind = Kind::boolean;
+    std::string name;                           ///< such as "unsigned int", "AddRemoveOp", "ZwaveAddress"
+    double minimum = 0;                         ///< of an integer
+    double maximum = 0;                         ///< of an integer
+    std::vector<EnumText> texts = {};           ///< of an enumeration, an open set or a flag set
+    std::vector<MemberDescriptor> members = {}; ///< of a record
+    std::vector<TypeDescriptor> elements = {};  ///< of a list or of pairs
+};
+
+/// One member of a record or a message.
+struct MemberDescriptor {
+    std::string key;
+    std::string doc;
+    TypeDescriptor type;
+    std::string defaultJson; ///< the member of a default-constructed object, as it is written
+};
+
+} // namespace zorv

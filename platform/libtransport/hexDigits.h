@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace zorv {
+
+/// The lowest `digits` hex digits of `value`, lower case, with leading zeros.
+inline std::string hexDigits(unsigned int value, unsigned int digits) {
+    static constexpr char const* alphabet = "0123456789abcdef";
+    std::string text(digits, '0');
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit, value >>= 4U) { *digit = alphabet[value & 0xFU]; }
+    return text;
+}
+
+} // namespace zorv

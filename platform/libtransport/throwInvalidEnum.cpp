@@ -1,0 +1,16 @@
+#include "platform/libtransport/throwInvalidEnum.h"
+
+namespace zorv {
+
+InvalidEnumError::InvalidEnumError(char const* enumName, std::string const& complaint)
+    : std::invalid_argument("invalid " + std::string(enumName) + complaint), enumName_(enumName) {}
+
+void throwInvalidEnum(char const* enumName, int value) {
+    throw InvalidEnumError(enumName, " value " + std::to_string(value));
+}
+
+void throwInvalidEnum(char const* enumName, std::string const& text) {
+    throw InvalidEnumError(enumName, " text \"" + text + '"');
+}
+
+} // namespace zorv
