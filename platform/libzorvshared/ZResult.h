@@ -1,0 +1,3 @@
+#pragma once
+
+#include "platform/libtransport/TResult.h" // ZResult is the result code's name among the Z-Wave types
