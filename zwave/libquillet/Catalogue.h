@@ -1,0 +1,20 @@
+#pragma once
+
+#include "zwave/libquillet/PingMsg.h"
+
+#include <vector>
+
+namespace zorv {
+
+struct MessageDescriptor;
+
+template <class... Messages> struct MessageList {};
+
+/// Every message of the catalogue. Tests, reference and schema cover what stands here.
+using Catalogue = MessageList< //
+    PingMsg>;
+
+/// The descriptors of the catalogue's messages, in its order.
+QUILLET_EXPORT std::vector<MessageDescriptor const*> const& describeCatalogue();
+
+} // namespace zorv

@@ -1,0 +1,59 @@
+#include "zwave/libquillet/ZorvError.h"
+
+#include <ostream>
+#include <sstream>
+#include <typeinfo>
+
+namespace zorv {
+
+namespace {
+
+std::string className(ZorvError const& error) {
+    char const* name = typeid(error).name();
+    if (*name == '*') { ++name; } // marks a type that is compared by address
+    return StackTrace::demangle(name);
+}
+
+} // namespace
+
+ZorvError::~ZorvError() = default;
+TransportError::~TransportError() = default;
+NullPointerError::~NullPointerError() = default;
+MessageError::~MessageError() = default;
+SyntaxError::~SyntaxError() = default;
+
+ZorvError& ZorvError::operator=(ZorvError const& other) noexcept {
+    std::runtime_error::operator=(other);
+    trace_ = other.trace_;
+    if (this != &other) { description_.reset(); }
+    return *this;
+}
+
+char const* ZorvError::what() const noexcept {
+    if (!description_) {
+        std::ostringstream os;
+        print(os);
+        auto const text = os.str();
+        auto description = std::make_unique<char[]>(text.size() + 1);
+        text.copy(description.get(), text.size());
+        description_ = std::move(description);
+    }
+    return description_.get();
+}
+
+StackTrace const& ZorvError::trace() const noexcept { return trace_; }
+
+char const* ZorvError::briefWhat() const noexcept { return std::runtime_error::what(); }
+
+void ZorvError::print(std::ostream& os) const {
+    os << className(*this) << ": " << briefWhat() << std::endl;
+    trace_.print(os);
+}
+
+void ZorvError::log() const {
+    std::ostringstream os;
+    os << className(*this) << ": " << briefWhat();
+    trace_.log(os.str());
+}
+
+} // namespace zorv
