@@ -117,12 +117,17 @@ std::string firstComplaint(std::string const& complaints) {
     return place + ": " + complaints.substr(textStart, textEnd - textStart);
 }
 
-Json::Value parse(std::string const& text) {
-    checkText(text);
+Json::CharReaderBuilder makeStrictBuilder() {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
     builder.settings_["strictRoot"] = false; // a lone value is refused by whoever wants an object, with a better text
     builder.settings_["stackLimit"] = Serializer::maxDepth + 1;
+    return builder;
+}
+
+Json::Value parse(std::string const& text) {
+    checkText(text);
+    static auto const builder = makeStrictBuilder();
     std::unique_ptr<Json::CharReader> const reader(builder.newCharReader());
     Json::Value root;
     std::string complaints;
@@ -417,7 +422,14 @@ void Serializer::failExpected(char const* expected) const {
     fail(std::string("expected ") + expected + ", got " + toString(type));
 }
 
-Serializer& basector(Serializer& s) { return s; }
+Serializer& basector(Serializer& s) {
+    auto const* const entries = s.stack_.size() < 2 ? nullptr : s.stack_[s.stack_.size() - 2];
+    if (entries != nullptr && !entries->isArray()) {
+        s.pop();
+        s.failExpected("array");
+    }
+    return s;
+}
 
 Serializer& finished(Serializer& s) {
     s.pop();
