@@ -11,7 +11,9 @@
 #include <boost/uuid/uuid.hpp>
 
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 // How the member types of messages and records are written and read, beyond what the Serializer knows itself.
@@ -122,6 +124,7 @@ template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Ma
     for (std::size_t i = 0; i < count; ++i) {
         s.element(i);
         requireArray(s);
+        if (s.size() != 2) { s.fail("expected a key and a value, got " + std::to_string(s.size()) + " elements"); }
         typename Map::key_type key;
         typename Map::mapped_type value;
         s.element(0) >> key;
