@@ -54,7 +54,10 @@ Serializer& operator>>(Serializer& s, boost::uuids::uuid& value) {
     });
 }
 
-Serializer& operator<<(Serializer& s, Endpoint const& value) { return s << boost::lexical_cast<std::string>(value); }
+Serializer& operator<<(Serializer& s, Endpoint const& value) {
+    auto const host = value.address().to_string();
+    return s << (value.address().is_v6() ? '[' + host + ']' : host) + ':' + std::to_string(value.port());
+}
 
 Serializer& operator>>(Serializer& s, Endpoint& value) { return readText(s, value, "TCP endpoint", &toEndpoint); }
 

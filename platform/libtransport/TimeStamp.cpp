@@ -1,6 +1,6 @@
 #include "platform/libtransport/TimeStamp.h"
 
-#include <boost/date_time/posix_time/posix_time.hpp>
+#include <boost/date_time/gregorian/gregorian_types.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -11,12 +11,23 @@ namespace zorv {
 
 namespace {
 
-using boost::posix_time::ptime;
+using boost::gregorian::date;
+
+constexpr std::int64_t msPerDay = 24 * 60 * 60 * 1000;
+constexpr char const* form = "0000-00-00T00:00:00.000Z";
 
 // Boost's dates do not end in 2038 where time_t has 32 bits.
-ptime const& start() {
-    static ptime const start(boost::gregorian::date(1970, 1, 1));
-    return start;
+date start() { return {1970, 1, 1}; }
+
+/// The number that the digits of a text make up from `begin` on.
+int number(std::string const& text, std::size_t begin, std::size_t digits) {
+    int value = 0;
+    for (auto i = begin; i < begin + digits; ++i) { value = value * 10 + (text[i] - '0'); }
+    return value;
+}
+
+void putNumber(std::string& text, std::size_t begin, std::size_t digits, std::int64_t value) {
+    for (auto i = begin + digits; i-- > begin; value /= 10) { text[i] = static_cast<char>('0' + value % 10); }
 }
 
 } // namespace
@@ -27,17 +38,19 @@ TimeStamp TimeStamp::now() noexcept {
 }
 
 TimeStamp TimeStamp::parse(std::string const& text) {
-    std::string const form = "0000-00-00T00:00:00.000Z";
+    std::string const wanted = form;
     auto const fits = [](char c, char f) { return f == '0' ? c >= '0' && c <= '9' : c == f; };
-    if (!std::equal(text.begin(), text.end(), form.begin(), form.end(), fits)) {
-        throw std::invalid_argument("not a time stamp: " + text);
-    }
-    try {
-        auto const time = boost::posix_time::from_iso_extended_string(text.substr(0, text.size() - 1));
-        TimeStamp const stamp((time - start()).total_milliseconds());
-        // An hour of 24 or a second of 60 would be carried over silently.
-        if (toString(stamp) == text) { return stamp; }
-    } catch (std::exception const&) { // a month of 13, say: reported below like every other bad text
+    bool const hasForm = std::equal(text.begin(), text.end(), wanted.begin(), wanted.end(), fits);
+    if (hasForm && number(text, 11, 2) < 24 && number(text, 14, 2) < 60 && number(text, 17, 2) < 60) {
+        auto const part = [&text](std::size_t begin, std::size_t digits) {
+            return static_cast<unsigned short>(number(text, begin, digits));
+        };
+        try {
+            auto const days = (date(part(0, 4), part(5, 2), part(8, 2)) - start()).days();
+            auto const seconds = (number(text, 11, 2) * 60 + number(text, 14, 2)) * 60 + number(text, 17, 2);
+            return TimeStamp(days * msPerDay + seconds * 1000 + number(text, 20, 3));
+        } catch (std::out_of_range const&) { // a day that no calendar has
+        }
     }
     throw std::invalid_argument("not a time stamp: " + text);
 }
@@ -45,10 +58,22 @@ TimeStamp TimeStamp::parse(std::string const& text) {
 void TimeStamp::print(std::ostream& os) const { os << toString(*this); }
 
 std::string toString(TimeStamp time) {
-    auto const text = to_iso_extended_string(start() + boost::posix_time::milliseconds(time.milliseconds()));
-    // Fractions come with six digits, or not at all where they are zero.
-    auto const point = text.find('.');
-    return text.substr(0, point) + (point == std::string::npos ? ".000" : text.substr(point, 4)) + 'Z';
+    auto days = time.milliseconds() / msPerDay;
+    auto ms = time.milliseconds() % msPerDay;
+    if (ms < 0) {
+        ms += msPerDay;
+        --days;
+    }
+    auto const day = (start() + boost::gregorian::days(static_cast<long>(days))).year_month_day();
+    std::string text = form;
+    putNumber(text, 0, 4, day.year);
+    putNumber(text, 5, 2, day.month);
+    putNumber(text, 8, 2, day.day);
+    putNumber(text, 11, 2, ms / 3'600'000);
+    putNumber(text, 14, 2, ms / 60'000 % 60);
+    putNumber(text, 17, 2, ms / 1000 % 60);
+    putNumber(text, 20, 3, ms % 1000);
+    return text;
 }
 
 } // namespace zorv
