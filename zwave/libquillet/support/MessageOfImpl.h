@@ -30,12 +30,12 @@ template <class Self, class Base> void MessageOf<Self, Base>::serialExtract(Seri
     extractFrame<Base, MessageReader>(s, static_cast<Self&>(*this), Self::Wire::members);
 }
 
-/// The message that a reader starts from.
-template <class Self> std::unique_ptr<Self> makeBlank() {
+/// The message that a reader starts from. `Wire` is named by the caller, to whom alone the class shows it.
+template <class Self, class Wire> std::unique_ptr<Self> makeBlank() {
     if constexpr (std::is_default_constructible_v<Self>) {
         return std::make_unique<Self>();
     } else {
-        return std::make_unique<Self>(Self::Wire::blank());
+        return std::make_unique<Self>(Wire::blank());
     }
 }
 
@@ -45,7 +45,7 @@ Serializable* MessageOf<Self, Base>::serialFactory(Serializer& s, Serializable* 
         target->serialExtract(s);
         return target;
     }
-    auto message = makeBlank<Self>();
+    auto message = makeBlank<Self, typename Self::Wire>();
     message->serialExtract(s);
     return message.release();
 }
@@ -59,8 +59,9 @@ template <class Self, class Base> char const* MessageOf<Self, Base>::serialName(
 }
 
 template <class Self, class Base> MessageDescriptor const& MessageOf<Self, Base>::descriptor() {
-    static MessageDescriptor const descriptor{serialName(), Base::serialName(),
-                                              describeMembers(*makeBlank<Self>(), Self::Wire::members)};
+    static MessageDescriptor const descriptor{
+        serialName(), Base::serialName(),
+        describeMembers(*makeBlank<Self, typename Self::Wire>(), Self::Wire::members)};
     return descriptor;
 }
 
