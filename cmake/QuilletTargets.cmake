@@ -45,11 +45,13 @@ function(quillet_library name)
     install(TARGETS ${name} EXPORT quilletTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endfunction()
 
+# Every header of the folder, but those that only the library's own sources may include (*Impl.h).
 function(quillet_install_headers)
     file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
     install(DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/quillet/${folder}"
-        FILES_MATCHING PATTERN "*.h")
+        FILES_MATCHING PATTERN "*.h"
+        PATTERN "*Impl.h" EXCLUDE)
 endfunction()
 
 # quillet_program(<name> <target>...)
