@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/libtransport/EnumDeclaration.h"
+
+namespace zorv {
+
+/// Whether and how a controller lets another one include or exclude it.
+namespace LearnMode {
+
+enum Enum : int {
+    disabled,
+    classic, ///< in direct range only
+    networkWideInclusion,
+    networkWideExclusion
+};
+
+ZORV_ENUM_DECLARE(ZORV_EXPORT)
+
+} // namespace LearnMode
+
+} // namespace zorv

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/libtransport/EnumDeclaration.h"
+
+namespace zorv {
+
+/// Who made a device.
+///
+/// The set is open: all but the own identifier are their four hex digits.
+namespace ManufacturerId {
+
+enum Enum : int { unknown = 0x0000, zorv = 0x023F };
+
+ZORV_ENUM_DECLARE(ZORV_EXPORT)
+
+} // namespace ManufacturerId
+
+} // namespace zorv

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/libtransport/EnumDeclaration.h"
+
+namespace zorv {
+
+/// Which way an observed message travelled, as the daemon sees it.
+namespace ObserveDirection {
+
+enum Enum : int { none, received, sent };
+
+ZORV_ENUM_DECLARE(ZORV_EXPORT)
+
+} // namespace ObserveDirection
+
+} // namespace zorv

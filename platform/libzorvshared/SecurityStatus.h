@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/libtransport/EnumDeclaration.h"
+
+namespace zorv {
+
+/// With which security a node was included; of a network, the best that its controller offers.
+namespace SecurityStatus {
+
+enum Enum : int {
+    unknown,
+    insecure,      ///< without encryption
+    bootstrapping, ///< keys are being exchanged
+    s0,
+    s2Unauthenticated,
+    s2Authenticated,
+    s2AccessControl,
+    failed ///< the exchange of keys failed; the node is in the network without encryption
+};
+
+ZORV_ENUM_DECLARE(ZORV_EXPORT)
+
+} // namespace SecurityStatus
+
+} // namespace zorv

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/libtransport/EnumDeclaration.h"
+
+namespace zorv {
+
+/// Which end of a connection an event concerns.
+namespace SocketActor {
+
+enum Enum : int { none, client, server };
+
+ZORV_ENUM_DECLARE(ZORV_EXPORT)
+
+} // namespace SocketActor
+
+} // namespace zorv
