@@ -1,0 +1,75 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace boost::asio {
+class io_context;
+} // namespace boost::asio
+
+namespace zorv {
+
+/// Waits for sockets, timers and signals, and calls what was tied to them: all of it on the thread that runs the loop.
+///
+/// Whatever is tied to a loop has to go before the loop does.
+class ZORV_EXPORT EventLoop {
+public:
+    EventLoop();
+    ~EventLoop();
+
+    EventLoop(EventLoop const&) = delete;
+    EventLoop& operator=(EventLoop const&) = delete;
+
+    /// Works until stop() is called or nothing is left to wait for; may be called again.
+    void run();
+
+    /// Ends run(), or else the next run(), without waiting for it; from any thread.
+    void stop();
+
+    /// Has `work` called by the thread that runs the loop, never by this call itself; from any thread.
+    void post(std::function<void()> work);
+
+    boost::asio::io_context& context() noexcept { return *context_; }
+
+private:
+    std::unique_ptr<boost::asio::io_context> context_;
+};
+
+/// Calls its work once, when its time has come; not any more once it was cancelled, assigned or destroyed.
+class ZORV_EXPORT Timer {
+public:
+    Timer() noexcept = default;
+    Timer(EventLoop& loop, std::chrono::milliseconds delay, std::function<void()> work);
+    ~Timer() { cancel(); }
+
+    Timer(Timer&& other) noexcept = default;
+    Timer& operator=(Timer&& other) noexcept;
+
+    void cancel() noexcept;
+
+private:
+    struct Pending;
+
+    std::shared_ptr<Pending> pending_;
+};
+
+/// Calls its work for each signal that arrives, in place of what the process would do by default.
+class ZORV_EXPORT SignalWatch {
+public:
+    SignalWatch(EventLoop& loop, std::vector<int> const& signals, std::function<void(int signal)> work);
+    ~SignalWatch();
+
+    SignalWatch(SignalWatch const&) = delete;
+    SignalWatch& operator=(SignalWatch const&) = delete;
+
+private:
+    struct Watch;
+
+    std::shared_ptr<Watch> watch_;
+};
+
+} // namespace zorv
