@@ -1,0 +1,51 @@
+#include "platform/libzorvcrypto/base64Encode.h"
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <exception>
+
+namespace zorv::crypto {
+
+namespace {
+
+namespace errc = boost::system::errc;
+
+constexpr std::size_t lineBytes = 48;
+constexpr std::size_t blockBytes = 3U << 20U; // the encoder counts with int; whole groups, so that none is padded early
+
+} // namespace
+
+std::string base64Encode(unsigned char const* data, std::size_t length, bool lines,
+                         boost::system::error_code& error) noexcept {
+    error.clear();
+    std::string text;
+    if (length == 0) { return text; }
+    if (data == nullptr) {
+        error = errc::make_error_code(errc::invalid_argument);
+        return text;
+    }
+    std::size_t const lineEnds = lines ? (length - 1) / lineBytes + 1 : 0;
+    std::size_t const groups = (length - 1) / 3 + 1;
+    if (groups > (text.max_size() - lineEnds) / 4) {
+        error = errc::make_error_code(errc::value_too_large);
+        return text;
+    }
+    try {
+        text.resize(groups * 4 + lineEnds);
+    } catch (std::exception const&) {
+        error = errc::make_error_code(errc::not_enough_memory);
+        return text;
+    }
+    std::size_t const step = lines ? lineBytes : blockBytes;
+    char* end = text.data();
+    for (std::size_t at = 0; at < length; at += step) {
+        auto const size = static_cast<int>(std::min(step, length - at));
+        // Writes a NUL behind the text: the next block, the line feed or the string's own end overwrites it.
+        end += EVP_EncodeBlock(reinterpret_cast<unsigned char*>(end), data + at, size);
+        if (lines) { *end++ = '\n'; }
+    }
+    return text;
+}
+
+} // namespace zorv::crypto
