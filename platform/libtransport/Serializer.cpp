@@ -277,6 +277,13 @@ Json::Value* Serializer::pop() noexcept {
     return top;
 }
 
+/// Whether the value at this place of the stack is the array of an object's bases.
+bool Serializer::isBases(std::size_t place) const {
+    auto const* const object = place > 0 ? stack_[place - 1] : nullptr;
+    return object != nullptr && object->isObject() &&
+           object->find(bases.data(), bases.data() + bases.size()) == stack_[place];
+}
+
 Serializer& Serializer::operator>>(char const* key) {
     auto* const top = selected();
     Json::Value* found = nullptr;
@@ -284,7 +291,7 @@ Serializer& Serializer::operator>>(char const* key) {
         // nothing is found below an absent value
     } else if (top->isObject()) {
         found = const_cast<Json::Value*>(top->find(key, key + std::strlen(key)));
-    } else if (top->isArray()) {
+    } else if (top->isArray() && isBases(stack_.size() - 1)) {
         for (auto& entry : *top) {
             auto const* const entryName =
                 entry.isObject() ? entry.find(name.data(), name.data() + name.size()) : nullptr;
@@ -297,6 +304,7 @@ Serializer& Serializer::operator>>(char const* key) {
         failExpected("object");
     }
     stack_.push_back(found);
+    if (found != nullptr && !found->isArray() && key == bases) { failExpected("array"); }
     return *this;
 }
 
@@ -396,9 +404,7 @@ std::string Serializer::path() const {
         auto const* const parent = stack_[i - 1];
         auto const* const child = stack_[i];
         if (parent == nullptr || child == nullptr) { break; }
-        bool const inBases = i > 1 && stack_[i - 2] != nullptr && stack_[i - 2]->isObject() &&
-                             stack_[i - 2]->find(bases.data(), bases.data() + bases.size()) == parent;
-        if (inBases) { continue; }
+        if (isBases(i - 1)) { continue; }
         for (auto entry = parent->begin(); entry != parent->end(); ++entry) {
             if (&*entry != child) { continue; }
             if (parent->isArray()) {
@@ -422,14 +428,7 @@ void Serializer::failExpected(char const* expected) const {
     fail(std::string("expected ") + expected + ", got " + toString(type));
 }
 
-Serializer& basector(Serializer& s) {
-    auto const* const entries = s.stack_.size() < 2 ? nullptr : s.stack_[s.stack_.size() - 2];
-    if (entries != nullptr && !entries->isArray()) {
-        s.pop();
-        s.failExpected("array");
-    }
-    return s;
-}
+Serializer& basector(Serializer& s) { return s; }
 
 Serializer& finished(Serializer& s) {
     s.pop();

@@ -111,6 +111,7 @@ private:
 
     Json::Value* selected() const noexcept { return stack_.empty() ? nullptr : stack_.back(); }
     Json::Value* pop() noexcept;
+    bool isBases(std::size_t place) const;
     std::string path() const;
     [[noreturn]] void failExpected(char const* expected) const;
 
