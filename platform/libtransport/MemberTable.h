@@ -4,6 +4,7 @@
 #include "platform/libtransport/TypeDescriptor.h"
 
 #include <limits>
+#include <map>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -63,6 +64,9 @@ void insertFrame(Serializer& s, char const* serialName, Self const& self, Member
 struct ValueReader {
     template <class T> void operator()(Serializer& s, T& value) const { s >> value; }
     template <class T> void operator()(Serializer& s, std::vector<T>& list) const { readElements(s, list); }
+    template <class Key, class Value> void operator()(Serializer& s, std::map<Key, Value>& map) const {
+        readPairs(s, map, [](Serializer const& array) { array.size(); });
+    }
 };
 
 /// Reads an object that insertRecord wrote.
@@ -81,6 +85,17 @@ void extractFrame(Serializer& s, Self& self, Members const& members, Reader read
         s >> finished;
     }
     extractRecord(s, self, members, read);
+}
+
+/// Reads into `target`, or, where that is null, into what `make` gives, which the caller then owns: a class's factory.
+template <class Make> Serializable* extractOrMake(Serializer& s, Serializable* target, Make make) {
+    if (target != nullptr) {
+        target->serialExtract(s);
+        return target;
+    }
+    auto object = make();
+    object->serialExtract(s);
+    return object.release();
 }
 
 // ---- descriptors
@@ -119,12 +134,20 @@ template <class T> TypeDescriptor describeType(Type<std::vector<T>>) {
     return type;
 }
 
-template <class Key, class Value, class Hash, class Equal>
-TypeDescriptor describeType(Type<boost::unordered_map<Key, Value, Hash, Equal>>) {
+template <class Key, class Value> TypeDescriptor describePairs() {
     TypeDescriptor type{TypeDescriptor::Kind::pairs, "pairs"};
     type.elements.push_back(describeType(Type<Key>()));
     type.elements.push_back(describeType(Type<Value>()));
     return type;
+}
+
+template <class Key, class Value, class Hash, class Equal>
+TypeDescriptor describeType(Type<boost::unordered_map<Key, Value, Hash, Equal>>) {
+    return describePairs<Key, Value>();
+}
+
+template <class Key, class Value> TypeDescriptor describeType(Type<std::map<Key, Value>>) {
+    return describePairs<Key, Value>();
 }
 
 /// Enumerations describe themselves from their tables, records from their members.
@@ -148,6 +171,14 @@ std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& 
     };
     std::apply([&](auto const&... m) { (add(m), ...); }, members);
     return descriptors;
+}
+
+/// Describes a record, or a framed object that other objects refer to.
+template <class Self, class Members>
+TypeDescriptor describeRecord(std::string const& name, Self const& blank, Members const& members) {
+    TypeDescriptor type{TypeDescriptor::Kind::record, name};
+    type.members = describeMembers(blank, members);
+    return type;
 }
 
 } // namespace zorv

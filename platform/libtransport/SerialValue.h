@@ -10,6 +10,7 @@
 #include <boost/unordered_map.hpp>
 #include <boost/uuid/uuid.hpp>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -104,8 +105,7 @@ template <class T> Serializer& readElements(Serializer& s, std::vector<T>& list)
 
 // ---- maps: an array of pairs, in the map's own order
 
-template <class Key, class Value, class Hash, class Equal>
-Serializer& operator<<(Serializer& s, boost::unordered_map<Key, Value, Hash, Equal> const& map) {
+template <class Map> Serializer& insertPairs(Serializer& s, Map const& map) {
     s << openbracket;
     bool first = true;
     for (auto const& entry : map) {
@@ -114,6 +114,15 @@ Serializer& operator<<(Serializer& s, boost::unordered_map<Key, Value, Hash, Equ
         s << openbracket << entry.first << comma << entry.second << closebracket;
     }
     return s << closebracket;
+}
+
+template <class Key, class Value, class Hash, class Equal>
+Serializer& operator<<(Serializer& s, boost::unordered_map<Key, Value, Hash, Equal> const& map) {
+    return insertPairs(s, map);
+}
+
+template <class Key, class Value> Serializer& operator<<(Serializer& s, std::map<Key, Value> const& map) {
+    return insertPairs(s, map);
 }
 
 /// Reads an array of pairs into a map: of equal keys the first wins, and entries that were there are kept.

@@ -41,13 +41,7 @@ template <class Self, class Wire> std::unique_ptr<Self> makeBlank() {
 
 template <class Self, class Base>
 Serializable* MessageOf<Self, Base>::serialFactory(Serializer& s, Serializable* target) {
-    if (target != nullptr) {
-        target->serialExtract(s);
-        return target;
-    }
-    auto message = makeBlank<Self, typename Self::Wire>();
-    message->serialExtract(s);
-    return message.release();
+    return extractOrMake(s, target, &makeBlank<Self, typename Self::Wire>);
 }
 
 template <class Self, class Base> void MessageOf<Self, Base>::print(std::ostream& os) const {
