@@ -1,0 +1,11 @@
+#include "platform/libzorvshared/GenericCommand.h"
+
+#include "platform/libtransport/MemberTable.h"
+
+namespace zorv {
+
+void GenericCommand::serialInserter(Serializer& s) const { insertFrame<NoBase>(s, serialName(), *this, std::tuple()); }
+
+void GenericCommand::serialExtract(Serializer& s) { extractFrame<NoBase>(s, *this, std::tuple()); }
+
+} // namespace zorv
