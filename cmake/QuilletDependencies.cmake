@@ -1,6 +1,6 @@
 # What is found on the system. Nothing is downloaded. The versions are the oldest that are supported.
 
-find_package(Boost 1.72 REQUIRED)
+find_package(Boost 1.72 REQUIRED COMPONENTS filesystem)
 find_package(jsoncpp 1.9 REQUIRED)
 find_package(log4cplus 2.0 REQUIRED)
 find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)

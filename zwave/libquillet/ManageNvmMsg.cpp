@@ -1,0 +1,277 @@
+#include "zwave/libquillet/ManageNvmMsg.h"
+
+#include "platform/libtransport/EnumTable.h"
+#include "platform/libzorvcrypto/base64Decode.h"
+#include "platform/libzorvcrypto/base64Encode.h"
+#include "platform/libzorvlogger/Logger.h"
+#include "platform/libzorvlogger/logExceptionWarning.h"
+#include "transport/displayRow.h"
+#include "zwave/libquillet/support/MessageOfImpl.h"
+#include "zwave/libquillet/support/respond.h"
+
+#include <boost/crc.hpp>
+#include <boost/filesystem/operations.hpp>
+#include <boost/iostreams/device/array.hpp>
+#include <boost/iostreams/stream.hpp>
+#include <json/reader.h>
+#include <json/value.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <numeric>
+#include <optional>
+
+namespace zorv {
+
+namespace {
+
+/// The blob's lines carry the message's name as well, since both are one module to whoever filters the log.
+void log(LogLevel level, char const* function, std::string const& text) {
+    Logger::log(level, std::string("ManageNvmMsg::") + function + ": " + text,
+                boost::source_location("zwave/libquillet/ManageNvmMsg", 0, function));
+}
+
+} // namespace
+
+// ---- Blob
+
+std::string const Blob::NAME("Blob");
+SerialRegistrar const Blob::registrar("zorv::" + NAME, &Blob::serialFactory);
+
+struct Blob::Wire {
+    static constexpr auto members =
+        std::make_tuple(member("name_", &Blob::name_, "name of the chunk"),
+                        member("offset_", &Blob::offset_, "position in the module's NVM, bytes"),
+                        member("size_", &Blob::size_, "number of decoded bytes"),
+                        member("crc_", &Blob::crc_, "CRC-32 of the text of the contents"),
+                        member("contents_", &Blob::contents_, "the bytes, in base64"));
+};
+
+unsigned int Blob::computeCrc() const {
+    boost::crc_32_type crc;
+    crc.process_bytes(contents_.data(), contents_.size());
+    return crc.checksum();
+}
+
+bool Blob::checkCrc() const {
+    if (crc_ == computeCrc()) { return true; }
+    log(LogLevel::warn, "checkCrc", "crc mismatch, the blob " + name_ + " is corrupt");
+    return false;
+}
+
+bool Blob::setContents(OctetVec const& bytes) {
+    size_ = static_cast<unsigned int>(bytes.size());
+    boost::system::error_code error;
+    crypto::base64Encode(bytes.data(), bytes.size(), false, error).swap(contents_);
+    if (error) {
+        log(LogLevel::debug, "setContents",
+            std::string("cannot encode byte vector, error ") + error.category().name() + ':' +
+                std::to_string(error.value()));
+        return true;
+    }
+    crc_ = computeCrc();
+    return false;
+}
+
+OctetVec Blob::getContents() const {
+    bool const intact = checkCrc();
+    boost::system::error_code error;
+    auto const result = crypto::base64Decode(contents_.data(), contents_.size(), error);
+    if (intact && !error && !!result) { return OctetVec(result.toUChar(), result.toUChar() + result.size()); }
+    log(LogLevel::debug, "getContents", "cannot decode base64 vector"); // said of a bad checksum, too
+    return {};
+}
+
+void Blob::serialInserter(Serializer& s) const { insertFrame<Serializable>(s, serialName(), *this, Wire::members); }
+
+void Blob::serialExtract(Serializer& s) { extractFrame<Serializable>(s, *this, Wire::members); }
+
+Serializable* Blob::serialFactory(Serializer& s, Serializable* target) {
+    if (target != nullptr) {
+        target->serialExtract(s);
+        return target;
+    }
+    auto blob = std::make_unique<Blob>("", 0U);
+    blob->serialExtract(s);
+    return blob.release();
+}
+
+char const* Blob::serialName() noexcept { return registrar.serialName().c_str(); }
+
+TypeDescriptor Blob::describe() {
+    TypeDescriptor type{TypeDescriptor::Kind::record, NAME};
+    type.members = describeMembers(Blob("", 0), Wire::members);
+    return type;
+}
+
+void Blob::print(std::ostream& os) const { printFromSerial(os, *this); }
+
+// ---- ManageNvmMsg
+
+std::string const ManageNvmMsg::NAME("ManageNvmMsg");
+SerialRegistrar const ManageNvmMsg::registrar("zorv::" + NAME, &ManageNvmMsg::serialFactory);
+
+namespace ManageNvmOp {
+
+namespace {
+constexpr auto table = enumTable<Enum>("ManageNvmOp", {{invalid, "invalid"},
+                                                       {save, "save"},
+                                                       {restore, "restore"},
+                                                       {clear, "clear"},
+                                                       {validate, "validate"},
+                                                       {authorize, "authorize"}});
+} // namespace
+
+ZORV_ENUM_DEFINE(table)
+
+} // namespace ManageNvmOp
+
+struct ManageNvmMsg::Wire {
+    static constexpr auto members = std::make_tuple(
+        member("operation_", &ManageNvmMsg::operation_, "what to do with the NVM"),
+        member("homeId_", &ManageNvmMsg::homeId_, "home id of the network whose NVM this is"),
+        member("timeout_", &ManageNvmMsg::timeout_, "how long the operation may take, in the daemon's unit"),
+        member("percentComplete_", &ManageNvmMsg::percentComplete_, "progress, percent"),
+        member("blobs_", &ManageNvmMsg::blobs_, "the contents of the NVM"));
+};
+
+template class MessageOf<ManageNvmMsg, Confirmable>;
+
+boost::shared_ptr<ManageNvmMsg> ManageNvmMsg::create(ManageNvmOp::Enum operation) {
+    return boost::make_shared<ManageNvmMsg>(operation, 0U, ZResult::none, 0U);
+}
+
+boost::shared_ptr<ManageNvmMsg> ManageNvmMsg::create(boost::shared_ptr<ManageNvmMsg> const& request,
+                                                     ZResult::Enum result, unsigned int percentComplete) {
+    auto const& asked = requireMessage(request);
+    return respondWithNew<ManageNvmMsg>(asked, asked.operation_, asked.homeId_, result, percentComplete);
+}
+
+std::uint64_t ManageNvmMsg::size() const {
+    return std::accumulate(blobs_.begin(), blobs_.end(), std::uint64_t(0),
+                           [](std::uint64_t sum, auto const& blob) { return sum + blob->size(); });
+}
+
+bool ManageNvmMsg::checkBlobs() const {
+    return std::all_of(blobs_.begin(), blobs_.end(), [](auto const& blob) { return blob->checkCrc(); });
+}
+
+namespace {
+
+/// A file that is open for reading, or that could not be opened.
+class InputFile {
+public:
+    // Opening a FIFO would wait for its writer. Once it is open, reading is to wait for a writer that there is.
+    explicit InputFile(std::string const& path)
+        : fd_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
+        if (fd_ >= 0) { ::fcntl(fd_, F_SETFL, ::fcntl(fd_, F_GETFL) & ~O_NONBLOCK); }
+    }
+    ~InputFile() {
+        if (fd_ >= 0) { ::close(fd_); }
+    }
+    InputFile(InputFile const&) = delete;
+    InputFile& operator=(InputFile const&) = delete;
+
+    bool isOpen() const noexcept { return fd_ >= 0; }
+
+    /// The lines of the file, joined without their line feeds; nothing where reading stopped before the end.
+    std::optional<std::string> joinedLines() const {
+        try {
+            std::string text;
+            text.reserve(size());
+            std::array<char, 65536> block{};
+            for (;;) {
+                auto const count = ::read(fd_, block.data(), block.size());
+                if (count == 0) { return text; }
+                if (count > 0) {
+                    text.append(block.begin(), std::remove(block.begin(), block.begin() + count, '\n'));
+                } else if (errno != EINTR) {
+                    return std::nullopt;
+                }
+            }
+        } catch (std::exception const&) { return std::nullopt; } // too large for the memory
+    }
+
+private:
+    /// Of a regular file, so that its text is not moved again and again while it grows.
+    std::size_t size() const noexcept {
+        struct stat status = {};
+        return ::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+    }
+
+    int fd_;
+};
+
+Json::Value parse(std::string const& text) {
+    boost::iostreams::stream<boost::iostreams::array_source> is(text.data(), text.size());
+    Json::Value root;
+    is >> root;
+    return root;
+}
+
+bool isBlob(Json::Value const& value) {
+    auto const keys = {"name_", "offset_", "size_", "crc_", "contents_"};
+    return value.isObject() && std::all_of(keys.begin(), keys.end(), [&](auto* key) { return value.isMember(key); });
+}
+
+} // namespace
+
+ZResult::Enum ManageNvmMsg::read(std::string const& file) {
+    auto const fail = [](ZResult::Enum result, std::string const& text) {
+        log(LogLevel::warn, "read", text);
+        return result;
+    };
+    boost::system::error_code error;
+    if (!boost::filesystem::exists(boost::filesystem::status(file, error))) {
+        return fail(ZResult::fileNotFound, "input file does not exist " + file);
+    }
+    InputFile const input(file);
+    if (!input.isOpen()) { return fail(ZResult::fileOpenFailure, "cannot open input file " + file); }
+    auto const text = input.joinedLines();
+    if (!text) { return fail(ZResult::fileReadFailure, "cannot read input file " + file); }
+    try {
+        auto root = parse(*text);
+        blobs_.clear();
+        homeId_ = findBlobs(root, blobs_);
+    } catch (ZorvError const& zorvError) {
+        logExceptionWarning("ManageNvmMsg::read", "cannot parse object, ", zorvError);
+        return ZResult::noBlobs;
+    } catch (std::exception const& exception) {
+        return fail(ZResult::noBlobs, std::string("cannot parse object, ") + exception.what());
+    } catch (...) { return fail(ZResult::noBlobs, "cannot parse object, unknown exception"); }
+    return blobs_.empty() ? ZResult::noBlobs : ZResult::success;
+}
+
+HomeId ManageNvmMsg::findBlobs(Json::Value& value, BlobVec& blobs) {
+    if (isBlob(value)) {
+        blobs.push_back(boost::make_shared<Blob>(value["name_"].asString(), value["offset_"].asUInt(),
+                                                 value["size_"].asUInt(), value["crc_"].asUInt(),
+                                                 value["contents_"].asString()));
+        return 0;
+    }
+    if (!value.isObject() && !value.isArray()) { return 0; }
+    HomeId id = value.isObject() && value.isMember("homeId_") ? value["homeId_"].asUInt() : 0;
+    for (auto& child : value) { // an object's members come in the order of their names
+        auto const found = findBlobs(child, blobs);
+        if (found == 0) { continue; }
+        if (id != 0 && id != found) {
+            log(LogLevel::warn, "findBlobs",
+                "multiple, different home ids in the nvm file, preferring " + std::to_string(found));
+        }
+        id = found;
+    }
+    return id;
+}
+
+void ManageNvmMsg::accumulateDisplay(StringVecVec& rows) const {
+    displayRow(rows, "Manage NVM");
+    displayRow(rows, "Home id:", homeId_);
+    displayRow(rows, "Result:", result());
+}
+
+} // namespace zorv
