@@ -1,5 +1,8 @@
 #pragma once
 
+#include "zwave/libquillet/FirmwareUpdateMsg.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
+#include "zwave/libquillet/NvmOpEvt.h"
 #include "zwave/libquillet/PingMsg.h"
 
 #include <vector>
@@ -12,6 +15,9 @@ template <class... Messages> struct MessageList {};
 
 /// Every message of the catalogue. Tests, reference and schema cover what stands here.
 using Catalogue = MessageList< //
+    FirmwareUpdateMsg,         //
+    ManageNvmMsg,              //
+    NvmOpEvt,                  //
     PingMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.

@@ -1,0 +1,76 @@
+#include "zwave/libquillet/NvmOpEvt.h"
+
+#include "platform/libtransport/throwInvalidEnum.h"
+#include "tests/unit/errorText.h"
+#include "tests/unit/expectTexts.h"
+#include "tests/unit/ownMembers.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
+#include "zwave/libquillet/PingMsg.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/asio/ip/tcp.hpp>
+
+#include <sstream>
+
+namespace zorv {
+namespace {
+
+TEST(NvmOp, HasItsTexts) { expectTexts<NvmOp::Enum>({"none", "clear", "save", "restore"}); }
+
+TEST(NvmOp, HasNoTextInvalid) {
+    EXPECT_EQ(errorText<InvalidEnumError>([] { NvmOp::toEnum("invalid"); }), "invalid NvmOp text \"invalid\"");
+}
+
+TEST(NvmOp, IsNumberedUnlikeTheOperationsOfManageNvmMsg) {
+    EXPECT_EQ(NvmOp::save, 2);
+    EXPECT_EQ(ManageNvmOp::save, 1);
+    EXPECT_EQ(NvmOp::restore, 3);
+    EXPECT_EQ(ManageNvmOp::restore, 2);
+    EXPECT_EQ(NvmOp::clear, 1);
+    EXPECT_EQ(ManageNvmOp::clear, 3);
+}
+
+TEST(NvmOpEvt, IsOfNoOperationUnlessToldOtherwise) { EXPECT_EQ(NvmOpEvt().op(), NvmOp::none); }
+
+TEST(NvmOpEvt, OfOperation2IsWrittenAsSave) {
+    auto const event = NvmOpEvt::create(PingMsg(), NvmOp::Enum(2));
+    EXPECT_EQ(ownMembers<TMessage>(*event), R"(,"op_":"save"})");
+}
+
+TEST(NvmOpEvt, OfOperation4CannotBeWritten) {
+    NvmOpEvt const event(NvmOp::Enum(4));
+    EXPECT_EQ(errorText<InvalidEnumError>([&] { wireText(event); }), "invalid NvmOp value 4");
+}
+
+TEST(NvmOpEvt, IsCorrelatedWithAndAddressedLikeItsCause) {
+    PingMsg cause;
+    cause.source({boost::asio::ip::address_v4(0xC0000207), 4711});
+    auto const event = NvmOpEvt::create(cause, NvmOp::restore);
+    EXPECT_EQ(event->op(), NvmOp::restore);
+    EXPECT_EQ(event->correlation(), cause.id());
+    EXPECT_EQ(event->source(), cause.source());
+    EXPECT_NE(event->id(), cause.id());
+    EXPECT_EQ(event->role(), MessageRole::none);
+}
+
+TEST(NvmOpEvt, MayBeCausedByAMessageThatExpectsNoAnswer) {
+    NvmOpEvt const cause(NvmOp::clear);
+    EXPECT_EQ(NvmOpEvt::create(cause, NvmOp::save)->correlation(), cause.id());
+}
+
+TEST(NvmOpEvt, CannotBeReadWithAnUnknownOperation) {
+    EXPECT_EQ(
+        errorText<InvalidEnumError>([] { readBack<NvmOpEvt>(R"({"__name__":"zorv::NvmOpEvt","op_":"validate"})"); }),
+        "invalid NvmOp text \"validate\"");
+}
+
+TEST(NvmOpEvt, PrintsItsWireText) {
+    NvmOpEvt const event(NvmOp::save);
+    std::ostringstream os;
+    event.print(os);
+    EXPECT_EQ(os.str(), wireText(event));
+}
+
+} // namespace
+} // namespace zorv
