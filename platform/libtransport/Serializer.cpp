@@ -152,7 +152,7 @@ Serializer::Serializer() = default;
 
 Serializer::Serializer(std::string const& text) : reading_(true), root_(parse(text)), stack_{&root_} {}
 
-char const* Serializer::toString(Json::ValueType type) noexcept {
+std::string Serializer::toString(Json::ValueType type) {
     switch (type) {
     case Json::nullValue: return "null";
     case Json::intValue: return "int";

@@ -91,7 +91,8 @@ public:
     /// Selects an element of the selected array; elements are stepped through in order.
     Serializer& element(std::size_t index);
 
-    static char const* toString(Json::ValueType type) noexcept;
+    /// The JSON type as error texts name it: "null", "int", "uint", "real", "string", "boolean", "array", "object".
+    static std::string toString(Json::ValueType type);
 
 private:
     friend ZORV_EXPORT Serializer& opencurly(Serializer& s);

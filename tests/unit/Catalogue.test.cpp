@@ -83,7 +83,7 @@ struct BadValue {
 };
 
 BadValue badType(std::string const& key, Json::Value const& value, std::string const& expected) {
-    auto const* const got = Serializer::toString(value.type());
+    auto const got = Serializer::toString(value.type());
     return {value, {"SerializerError", key + ": expected " + expected + ", got " + got}};
 }
 
@@ -95,7 +95,7 @@ std::vector<BadValue> badTypes(std::string const& key, std::string const& expect
 }
 
 BadValue notAnArray(Json::Value const& value) {
-    return {value, {"SyntaxError", std::string("expected array, got ") + Serializer::toString(value.type())}};
+    return {value, {"SyntaxError", "expected array, got " + Serializer::toString(value.type())}};
 }
 
 BadValue outOfRange(std::string const& key, std::int64_t number, std::string const& expected) {
