@@ -1,0 +1,40 @@
+#pragma once
+
+#include "apps/zwaved/SimulatedNetwork.h"
+
+#include "platform/libmessage_bus/MessageBus.h"
+#include "platform/libtransport/EventLoop.h"
+#include "platform/libtransport/TcpListener.h"
+#include "zwave/libquillet/PingMsg.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+
+namespace zorv {
+
+/// The reference daemon: answers the messages of its clients from a simulated network.
+class Daemon {
+public:
+    Daemon(EventLoop& loop, TcpListener::Endpoint const& local, TcpLimits const& limits,
+           NetworkDescription const& network);
+
+    TcpListener::Endpoint local() const { return listener_.local(); }
+
+private:
+    void handleMessages();
+    void ping(boost::shared_ptr<PingMsg> const& request);
+
+    void reject(PeerId from, BadMessageError const& error);
+    void after(std::chrono::milliseconds delay, std::function<void()> work);
+
+    EventLoop& loop_;
+    SimulatedNetwork network_;
+    MessageBus bus_;
+    std::uint64_t lastTimer_ = 0;
+    std::map<std::uint64_t, Timer> timers_; // of what the network has not come back with yet
+    TcpListener listener_;
+};
+
+} // namespace zorv

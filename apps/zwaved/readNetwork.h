@@ -1,0 +1,18 @@
+#pragma once
+
+#include "apps/zwaved/SimulatedNetwork.h"
+
+#include <string>
+
+namespace zorv {
+
+/// Reads a network from a JSON file; docs/daemon.md describes its members.
+///
+/// A std::runtime_error names the file and, where it could be read, the line and the member, such as
+/// "home.json:7: nodes[2].loss: expected a number from 0 to 1".
+NetworkDescription readNetwork(std::string const& file);
+
+/// The network of a daemon that was given none.
+NetworkDescription builtInNetwork();
+
+} // namespace zorv
