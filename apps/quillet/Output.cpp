@@ -1,0 +1,30 @@
+#include "apps/quillet/Output.h"
+
+#include "apps/quillet/ExitCode.h"
+
+#include <cerrno>
+#include <cstring>
+#include <ostream>
+#include <string>
+
+namespace zorv {
+
+void Output::show(TMessage const& message) {
+    errno = 0;
+    if (json_) {
+        message.print(os_);
+        os_ << std::endl;
+    } else {
+        table_.add(message);
+    }
+    if (os_) { return; }
+    if (errno == EPIPE) { throw ExitError(ExitCode::ok, ""); }
+    throw ExitError(ExitCode::noOutput, std::string("cannot write the output: ") + std::strerror(errno));
+}
+
+void Output::showRejection(Confirmable const& rejection) {
+    if (json_) { show(rejection); }
+    throw ExitError(ExitCode::refused, "the daemon did not understand the request: " + toString(rejection.result()));
+}
+
+} // namespace zorv

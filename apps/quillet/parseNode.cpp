@@ -1,0 +1,33 @@
+#include "apps/quillet/parseNode.h"
+
+#include <charconv>
+#include <stdexcept>
+
+namespace zorv {
+
+namespace {
+
+constexpr unsigned int lastNodeId = 232;
+
+bool readNumber(std::string const& text, int base, unsigned int& number) {
+    auto const* const end = text.data() + text.size();
+    auto const read = std::from_chars(text.data(), end, number, base);
+    return read.ec == std::errc() && read.ptr == end;
+}
+
+} // namespace
+
+ZwaveAddress parseNode(std::string const& text) {
+    auto const colon = text.find(':');
+    unsigned int homeId = 0;
+    unsigned int nodeId = 0;
+    bool const homeGood = colon == std::string::npos || (colon == 8 && readNumber(text.substr(0, colon), 16, homeId));
+    bool const nodeGood = readNumber(colon == std::string::npos ? text : text.substr(colon + 1), 10, nodeId);
+    if (!homeGood || !nodeGood || nodeId < 1 || nodeId > lastNodeId) {
+        throw std::invalid_argument("not a node: \"" + text +
+                                    "\"; expected a node id from 1 to 232, such as 5 or c0ffee01:5");
+    }
+    return {homeId, static_cast<unsigned char>(nodeId)};
+}
+
+} // namespace zorv
