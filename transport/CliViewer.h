@@ -6,6 +6,7 @@
 #include <boost/current_function.hpp>
 
 #include <cstddef>
+#include <locale>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -63,6 +64,7 @@ private:
 
     template <class T> static std::string format(T const& value) {
         std::ostringstream os;
+        os.imbue(std::locale::classic()); // numbers are plain decimals, whatever the client's locale makes of them
         if constexpr (std::is_same_v<T, unsigned char>) {
             printOctet(os, value);
         } else if constexpr (Prints<T>::value) {
