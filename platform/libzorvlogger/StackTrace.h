@@ -29,7 +29,7 @@ public:
 private:
     static constexpr std::size_t maxDepth = 32;
 
-    std::array<void const*, maxDepth> frames_{};
+    std::array<void const*, maxDepth + 1> frames_{}; // and the empty one that ends a dump
     std::size_t depth_ = 0;
 };
 
