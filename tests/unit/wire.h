@@ -62,9 +62,9 @@ inline std::string toTextBackwards(Json::Value const& value) {
     return toText(value);
 }
 
-/// What a text that cannot be read is refused with.
+/// What an operation is refused with.
 struct Refusal {
-    std::string type; ///< of the exception; empty where the text was read
+    std::string type; ///< of the exception; empty where there was no error
     std::string text;
 
     friend bool operator==(Refusal const& a, Refusal const& b) { return a.type == b.type && a.text == b.text; }
@@ -80,6 +80,8 @@ template <class Read> Refusal refusalOf(Read const& read) {
         return {"SerializerError", error.what()};
     } catch (InvalidEnumError const& error) {
         return {"InvalidEnumError", error.what()};
+    } catch (NullPointerError const& error) {
+        return {"NullPointerError", error.briefWhat()};
     } catch (SyntaxError const& error) { return {"SyntaxError", error.briefWhat()}; }
     return {};
 }
