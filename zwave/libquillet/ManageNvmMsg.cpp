@@ -31,9 +31,9 @@ namespace zorv {
 namespace {
 
 /// The blob's lines carry the message's name as well, since both are one module to whoever filters the log.
-void log(LogLevel level, char const* function, std::string const& text) {
+void log(LogLevel level, char const* function, std::string const& text, unsigned int line = __builtin_LINE()) {
     Logger::log(level, std::string("ManageNvmMsg::") + function + ": " + text,
-                boost::source_location("zwave/libquillet/ManageNvmMsg", 0, function));
+                boost::source_location("zwave/libquillet/ManageNvmMsg", line, function));
 }
 
 } // namespace
@@ -92,22 +92,12 @@ void Blob::serialInserter(Serializer& s) const { insertFrame<Serializable>(s, se
 void Blob::serialExtract(Serializer& s) { extractFrame<Serializable>(s, *this, Wire::members); }
 
 Serializable* Blob::serialFactory(Serializer& s, Serializable* target) {
-    if (target != nullptr) {
-        target->serialExtract(s);
-        return target;
-    }
-    auto blob = std::make_unique<Blob>("", 0U);
-    blob->serialExtract(s);
-    return blob.release();
+    return extractOrMake(s, target, [] { return std::make_unique<Blob>("", 0U); });
 }
 
 char const* Blob::serialName() noexcept { return registrar.serialName().c_str(); }
 
-TypeDescriptor Blob::describe() {
-    TypeDescriptor type{TypeDescriptor::Kind::record, NAME};
-    type.members = describeMembers(Blob("", 0), Wire::members);
-    return type;
-}
+TypeDescriptor Blob::describe() { return describeRecord(NAME, Blob("", 0), Wire::members); }
 
 void Blob::print(std::ostream& os) const { printFromSerial(os, *this); }
 
