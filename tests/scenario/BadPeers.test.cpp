@@ -1,0 +1,96 @@
+#include "tests/scenario/LineClient.h"
+#include "tests/scenario/Process.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace scenario;
+
+void expectService(LineClient& client) {
+    ASSERT_TRUE(client.sendLine(pingLine(1)));
+    EXPECT_EQ("PingMsg", client.receive()->name());
+}
+
+TEST(BadPeers, OneThatDoesNotReadIsDroppedAndTheOthersAreServed) {
+    DaemonProcess const daemon({"--max-backlog", "100000"});
+    LineClient good(daemon.port());
+    LineClient stalled(daemon.port(), 4096);
+    std::string pings;
+    for (int i = 0; i < 200; ++i) { pings += pingLine(1) + "\n"; }
+    bool dropped = false;
+    for (int i = 0; i < 500 && !dropped; ++i) {
+        dropped = !stalled.send(pings);
+        expectService(good);
+    }
+    EXPECT_TRUE(dropped);
+    expectService(good);
+}
+
+TEST(BadPeers, OneThatReadsSlowlyGetsEverything) {
+    DaemonProcess const daemon;
+    LineClient slow(daemon.port(), 4096);
+    for (int i = 0; i < 2000; ++i) { ASSERT_TRUE(slow.sendLine(pingLine(1))); }
+    for (int i = 0; i < 2000; ++i) { EXPECT_EQ("PingMsg", slow.receive()->name()); }
+}
+
+TEST(BadPeers, HalfALineBlocksNobody) {
+    DaemonProcess const daemon;
+    LineClient slow(daemon.port());
+    LineClient good(daemon.port());
+    auto const line = pingLine(1);
+    ASSERT_TRUE(slow.send(line.substr(0, 100)));
+    expectService(good);
+    ASSERT_TRUE(slow.send(line.substr(100)));
+    expectService(good);
+    ASSERT_TRUE(slow.send("\n"));
+    EXPECT_EQ("PingMsg", slow.receive()->name());
+}
+
+TEST(BadPeers, OnesThatVanishInTheMiddleOfALineHarmNobody) {
+    DaemonProcess const daemon;
+    LineClient good(daemon.port());
+    for (int i = 0; i < 20; ++i) {
+        LineClient closing(daemon.port());
+        LineClient resetting(daemon.port());
+        ASSERT_TRUE(closing.send(pingLine(1).substr(0, 100)));
+        ASSERT_TRUE(resetting.send(pingLine(1).substr(0, 100)));
+        closing.close();
+        resetting.reset();
+        expectService(good);
+    }
+}
+
+TEST(BadPeers, OnesThatVanishBeforeTheirAnswersHarmNobody) {
+    DaemonProcess const daemon;
+    LineClient good(daemon.port());
+    for (int i = 0; i < 20; ++i) {
+        LineClient vanishing(daemon.port());
+        ASSERT_TRUE(vanishing.sendLine(pingLine(5)));
+        ASSERT_TRUE(vanishing.sendLine(pingLine(1)));
+        vanishing.reset();
+    }
+    ASSERT_TRUE(good.sendLine(pingLine(6))); // answered after all of those would have been
+    EXPECT_EQ("PingMsg", good.receive()->name());
+    expectService(good);
+}
+
+TEST(BadPeers, MoreThanTheDaemonHasFileDescriptorsForAreServedOnceOthersLeave) {
+    Process daemon({"/bin/sh", "-c", "ulimit -n 24; exec \"$0\" --port 0", program("zwaved")});
+    auto const announcement = daemon.readLine();
+    auto const port = static_cast<unsigned short>(std::stoul(announcement.substr(announcement.rfind(':') + 1)));
+    std::vector<std::unique_ptr<LineClient>> crowd;
+    for (int i = 0; i < 40; ++i) { crowd.push_back(std::make_unique<LineClient>(port)); }
+    auto& last = *crowd.back();
+    ASSERT_TRUE(last.sendLine(pingLine(1)));
+    expectService(*crowd.front());
+    for (int i = 0; i < 39; ++i) { crowd[static_cast<std::size_t>(i)]->close(); }
+    EXPECT_EQ("PingMsg", last.receive()->name());
+    EXPECT_NE(std::string::npos, daemon.errors().find("cannot accept connections: Too many open files"));
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+#include "tests/scenario/LineClient.h"
+
+#include "platform/libtransport/readMessage.h"
+#include "zwave/libquillet/PingMsg.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+namespace scenario {
+
+namespace {
+
+constexpr time_t deadlineSeconds = 30;
+
+void set(int socket, int option, void const* value, socklen_t size) {
+    ::setsockopt(socket, SOL_SOCKET, option, value, size);
+}
+
+} // namespace
+
+LineClient::LineClient(unsigned short port, int receiveBuffer)
+    : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    timeval const deadline{deadlineSeconds, 0};
+    set(socket_, SO_RCVTIMEO, &deadline, sizeof deadline);
+    set(socket_, SO_SNDTIMEO, &deadline, sizeof deadline);
+    if (receiveBuffer > 0) { set(socket_, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer); }
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(socket_, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
+        ::close(socket_);
+        throw std::runtime_error("cannot connect");
+    }
+}
+
+LineClient::~LineClient() { close(); }
+
+bool LineClient::send(std::string const& bytes) {
+    for (std::size_t at = 0; at < bytes.size();) {
+        auto const sent = ::send(socket_, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
+        if (sent <= 0) {
+            if (errno == EAGAIN) { throw std::runtime_error("the other side does not read"); }
+            return false;
+        }
+        at += static_cast<std::size_t>(sent);
+    }
+    return true;
+}
+
+std::string LineClient::receiveLine() {
+    for (;;) {
+        auto const end = unread_.find('\n');
+        if (end != std::string::npos) {
+            auto line = unread_.substr(0, end);
+            unread_.erase(0, end + 1);
+            return line;
+        }
+        char buffer[16384];
+        auto const size = ::recv(socket_, buffer, sizeof buffer, 0);
+        if (size < 0 && errno == EAGAIN) { throw std::runtime_error("nothing arrives"); }
+        if (size <= 0) { throw std::out_of_range("the connection ended"); }
+        unread_.append(buffer, static_cast<std::size_t>(size));
+    }
+}
+
+boost::shared_ptr<zorv::TMessage> LineClient::receive() { return zorv::readMessage(receiveLine()); }
+
+bool LineClient::endsAfter(int lines) {
+    int received = 0;
+    try {
+        for (;; ++received) { receiveLine(); }
+    } catch (std::out_of_range const&) { return received == lines; }
+}
+
+void LineClient::close() {
+    if (socket_ >= 0) { ::close(std::exchange(socket_, -1)); }
+}
+
+void LineClient::reset() {
+    linger const atOnce{1, 0};
+    set(socket_, SO_LINGER, &atOnce, sizeof atOnce);
+    close();
+}
+
+std::string pingLine(unsigned char nodeId) {
+    std::ostringstream line;
+    zorv::PingMsg(zorv::ZwaveAddress(0, nodeId)).print(line);
+    return line.str();
+}
+
+} // namespace scenario

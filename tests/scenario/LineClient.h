@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/libtransport/TMessage.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <string>
+
+namespace scenario {
+
+/// A client that sends whatever bytes a test wants; whatever takes longer than a generous deadline throws.
+class LineClient {
+public:
+    /// Connects to a port of this machine; `receiveBuffer` limits what the system takes in for it, in bytes.
+    explicit LineClient(unsigned short port, int receiveBuffer = 0);
+    ~LineClient();
+
+    LineClient(LineClient const&) = delete;
+    LineClient& operator=(LineClient const&) = delete;
+
+    /// Sends bytes as they are; false when the other side does not take them any more.
+    bool send(std::string const& bytes);
+
+    bool sendLine(std::string const& line) { return send(line + "\n"); }
+
+    /// The next line, without its end; throws at the end of the connection.
+    std::string receiveLine();
+
+    boost::shared_ptr<zorv::TMessage> receive();
+
+    /// Waits for the end of the connection, after the lines that have not been read; whether they were `lines`.
+    bool endsAfter(int lines);
+
+    /// Ends the connection as a vanished process would, or hard, so that the other side sees it reset.
+    void close();
+    void reset();
+
+private:
+    int socket_;
+    std::string unread_;
+};
+
+/// A ping as the client library writes it.
+std::string pingLine(unsigned char nodeId);
+
+} // namespace scenario
