@@ -1,0 +1,110 @@
+#include "apps/quillet/Table.h"
+#include "tests/scenario/Process.h"
+#include "zwave/libquillet/PingMsg.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace {
+
+using namespace scenario;
+using namespace zorv;
+
+TEST(ClientTable, ColumnsAreAsWideAsTheirLongestCellAndTwoBlanks) {
+    std::ostringstream os;
+    Table(os).add({{"a", "bbbb", "c"}, {"aaa", "b", "c"}}, {});
+    EXPECT_EQ("a    bbbb  c\naaa  b     c\n", os.str());
+}
+
+TEST(ClientTable, WidthThatIsAskedForIsTheLeast) {
+    std::ostringstream os;
+    Table(os).add({{"a", "b", "c"}, {"aaaaa", "b", "c"}}, {3, 0, 4});
+    EXPECT_EQ("a      b  c\naaaaa  b  c\n", os.str());
+    os.str("");
+    Table(os).add({{"a", "b"}}, {6});
+    EXPECT_EQ("a       b\n", os.str());
+}
+
+TEST(ClientTable, LaterRowsKeepTheColumnsOfTheFirst) {
+    std::ostringstream os;
+    Table table(os);
+    table.add({{"Title", "x"}}, {});
+    table.add({{"1", "x"}}, {});
+    EXPECT_EQ("Title  x\n1      x\n", os.str());
+}
+
+TEST(ClientTable, LongerCellMovesTheColumnsFromItsRowOn) {
+    std::ostringstream os;
+    Table table(os);
+    table.add({{"1", "x"}}, {});
+    table.add({{"12345", "x"}}, {});
+    table.add({{"1", "x"}}, {});
+    EXPECT_EQ("1  x\n12345  x\n1      x\n", os.str());
+}
+
+TEST(ClientTable, RowsMayHaveDifferentLengthsAndNoTrailingBlanks) {
+    std::ostringstream os;
+    Table(os).add({{"a"}, {"a", "b", "", ""}, {}, {"", "b"}}, {5});
+    EXPECT_EQ("a\na      b\n\n       b\n", os.str());
+}
+
+TEST(ClientTable, LineEndsAndOtherControlCharactersDoNotBreakTheTable) {
+    std::ostringstream os;
+    Table(os).add({{"one\n", "two\nlines", "\x1b[31mred\r\n"}}, {});
+    EXPECT_EQ("one  two lines   [31mred\n", os.str());
+}
+
+TEST(ClientTable, WidthsCountCharactersAndNotBytes) {
+    std::ostringstream os;
+    Table(os).add({{"Tür", "x"}, {"door", "x"}}, {});
+    EXPECT_EQ("Tür   x\ndoor  x\n", os.str());
+}
+
+TEST(ClientTable, PingsShowTheirTitlesOnceAndTheirWidths) {
+    std::ostringstream os;
+    Table table(os);
+    auto const ping = PingMsg::create(ZwaveAddress(0xC0FFEE01, 5));
+    ping->header(true);
+    ping->count(1);
+    ping->result(ZResult::success);
+    table.add(*ping);
+    ping->header(false);
+    ping->count(2);
+    ping->result(ZResult::nodeNotReached);
+    table.add(*ping);
+    EXPECT_EQ("Count   Time                      Address     Result             Latency\n"
+              "1       1970-01-01T00:00:00.000Z  c0ffee01:5  success            0\n"
+              "2       1970-01-01T00:00:00.000Z  c0ffee01:5  nodeNotReached     0\n",
+              os.str());
+}
+
+TEST(ClientTable, SeriesOfPingsAppearsRowByRow) {
+    DaemonProcess const daemon;
+    Process client(clientCommand(daemon.port(), {"ping", "c0ffee01:1", "--count", "3", "--interval", "0.01"}));
+    EXPECT_EQ("Count   Time                      Address     Result             Latency", client.readLine());
+    for (std::string const count : {"1", "2", "3"}) {
+        auto const row = client.readLine();
+        EXPECT_EQ(count + "       ", row.substr(0, 8));
+        EXPECT_EQ("  c0ffee01:1  success            0", row.substr(32));
+    }
+    EXPECT_EQ(0, client.wait());
+    EXPECT_TRUE(client.restOfOutput().empty());
+}
+
+TEST(ClientTable, JsonIsOneLineForEachAnswerAndNothingElse) {
+    DaemonProcess const daemon;
+    Process client(clientCommand(daemon.port(), {"--json", "ping", "1", "--count", "2", "--interval", "0"}));
+    EXPECT_EQ(0, client.wait());
+    auto const lines = client.restOfOutput();
+    ASSERT_EQ(2U, lines.size());
+    for (auto const& line : lines) {
+        EXPECT_EQ(0U, line.find("{\"__name__\":\"zorv::PingMsg\","));
+        std::string const end = "\"destination_\":{\"homeId_\":0,\"nodeId_\":1},\"latencyMs_\":0}";
+        EXPECT_EQ(end, line.substr(line.size() - end.size()));
+    }
+    EXPECT_EQ("", client.errors());
+}
+
+} // namespace

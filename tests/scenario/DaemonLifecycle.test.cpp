@@ -1,0 +1,157 @@
+#include "tests/scenario/LineClient.h"
+#include "tests/scenario/Process.h"
+#include "tests/unit/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace scenario;
+
+TEST(DaemonLifecycle, PortZeroIsAnnouncedAsTheOneThatWasFree) {
+    DaemonProcess const daemon;
+    EXPECT_NE(0, daemon.port());
+    LineClient client(daemon.port());
+    ASSERT_TRUE(client.sendLine(pingLine(1)));
+    EXPECT_EQ("PingMsg", client.receive()->name());
+}
+
+TEST(DaemonLifecycle, TermAndIntEndItInOrderAndFreeThePort) {
+    for (int const signal : {SIGTERM, SIGINT}) {
+        DaemonProcess daemon;
+        LineClient client(daemon.port());
+        ASSERT_TRUE(client.sendLine(pingLine(1)));
+        EXPECT_EQ("PingMsg", client.receive()->name());
+        ASSERT_TRUE(client.sendLine(pingLine(9))); // still under way when the daemon ends
+        daemon.signal(signal);
+        EXPECT_EQ(0, daemon.wait());
+        EXPECT_TRUE(daemon.restOfOutput().empty());
+        EXPECT_EQ("", daemon.errors());
+        EXPECT_TRUE(client.endsAfter(0));
+        Process successor({program("zwaved"), "--port", std::to_string(daemon.port())});
+        EXPECT_EQ("listening on 127.0.0.1:" + std::to_string(daemon.port()), successor.readLine());
+    }
+}
+
+TEST(DaemonLifecycle, PortThatIsTakenIsAnError) {
+    DaemonProcess const first;
+    auto const port = std::to_string(first.port());
+    Process second({program("zwaved"), "--port", port});
+    EXPECT_EQ(1, second.wait());
+    EXPECT_EQ("zwaved: cannot listen on 127.0.0.1:" + port + ": Address already in use\n", second.errors());
+    EXPECT_TRUE(second.restOfOutput().empty());
+}
+
+TEST(DaemonLifecycle, WrongUsageIsTwo) {
+    std::vector<std::vector<std::string>> const wrong{{"--port", "65536"},        {"--port", "-1"},
+                                                      {"--listen", "everywhere"}, {"--max-line", "x"},
+                                                      {"--log-level", "loud"},    {"surplus"}};
+    for (auto const& arguments : wrong) {
+        std::vector<std::string> command{program("zwaved")};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        Process daemon(command);
+        EXPECT_EQ(2, daemon.wait()) << arguments.front();
+        EXPECT_TRUE(daemon.restOfOutput().empty());
+    }
+}
+
+TEST(DaemonLifecycle, LineLimitCanBeChosen) {
+    DaemonProcess const daemon({"--max-line", "2000"});
+    LineClient client(daemon.port());
+    ASSERT_TRUE(client.sendLine(pingLine(1)));
+    EXPECT_EQ("PingMsg", client.receive()->name());
+    ASSERT_TRUE(client.send(std::string(2000, ' ') + "\n"));
+    EXPECT_EQ("Confirmable", client.receive()->name());
+    ASSERT_TRUE(client.send(std::string(2001, ' ') + "\n"));
+    EXPECT_TRUE(client.endsAfter(1));
+}
+
+TEST(DaemonLifecycle, LogLevelShowsMoreOrLess) {
+    for (std::string const level : {"info", "error"}) {
+        DaemonProcess daemon({"--log-level", level});
+        LineClient client(daemon.port());
+        ASSERT_TRUE(client.sendLine("rubbish"));
+        client.receiveLine();
+        daemon.signal(SIGTERM);
+        EXPECT_EQ(0, daemon.wait());
+        EXPECT_EQ(level == "info", daemon.errors().find(" connected\n") != std::string::npos);
+        EXPECT_EQ(level == "info", daemon.errors().find("WARN MessageBus: bad line") != std::string::npos);
+    }
+}
+
+class NetworkFile : public testing::Test {
+protected:
+    void expectComplaint(std::string const& text, std::string const& complaint) {
+        auto const file = directory_.write("net.json", text);
+        Process daemon({program("zwaved"), "--port", "0", "--network", file});
+        EXPECT_EQ(1, daemon.wait());
+        EXPECT_EQ("zwaved: " + file + complaint + "\n", daemon.errors());
+        EXPECT_TRUE(daemon.restOfOutput().empty());
+    }
+
+    zorv::TemporaryDirectory directory_;
+};
+
+TEST_F(NetworkFile, ThatIsNotThereIsNamed) {
+    Process daemon({program("zwaved"), "--network", directory_.path("none.json")});
+    EXPECT_EQ(1, daemon.wait());
+    EXPECT_EQ("zwaved: " + directory_.path("none.json") + ": cannot be read: No such file or directory\n",
+              daemon.errors());
+}
+
+TEST_F(NetworkFile, ThatIsNoJsonIsNamedWithItsLine) {
+    expectComplaint("{\n  \"homeId\" \"c0ffee01\"\n}", ": Line 2, Column 12 Missing ':' after object member name");
+}
+
+TEST_F(NetworkFile, ThatIsEmptyIsNamed) { expectComplaint("[]", ":1: expected an object"); }
+
+TEST_F(NetworkFile, WithoutAHomeIdIsRefused) { expectComplaint("{\"nodes\": []}", ":1: homeId: is missing"); }
+
+TEST_F(NetworkFile, WithABadHomeIdIsRefused) {
+    for (std::string const home : {"12", "\"c0ffee\"", "\"C0FFEE01\"", "\"00000000\"", "\"c0ffee012\"", "null"}) {
+        expectComplaint("{\n\"homeId\": " + home + ", \"nodes\": []}",
+                        ":2: homeId: expected eight lower-case hex digits, not all 0");
+    }
+}
+
+TEST_F(NetworkFile, WithoutNodesIsRefused) {
+    expectComplaint("{\"homeId\": \"c0ffee01\"}", ":1: nodes: is missing");
+    expectComplaint("{\"homeId\": \"c0ffee01\",\n\"nodes\": {}}", ":2: nodes: expected an array");
+}
+
+TEST_F(NetworkFile, WithAMemberThatIsNotKnownIsRefused) {
+    expectComplaint("{\"homeId\": \"c0ffee01\",\n\"nodes\": [], \"sead\": 1}", ":2: sead: is not known here");
+    expectComplaint("{\"homeId\": \"c0ffee01\",\n\"nodes\": [\n{\"id\": 5, \"lag\": 1}]}",
+                    ":3: nodes[0].lag: is not known here");
+}
+
+TEST_F(NetworkFile, WithANumberOutOfRangeIsRefused) {
+    auto const expectNodeComplaint = [this](std::string const& node, std::string const& complaint) {
+        expectComplaint("{\"homeId\": \"c0ffee01\", \"nodes\": [\n{\"id\": 4},\n" + node + "]}",
+                        ":3: nodes[1]" + complaint);
+    };
+    expectNodeComplaint("{\"id\": 0}", ".id: expected a whole number from 1 to 232");
+    expectNodeComplaint("{\"id\": 233}", ".id: expected a whole number from 1 to 232");
+    expectNodeComplaint("{\"id\": 5.5}", ".id: expected a whole number from 1 to 232");
+    expectNodeComplaint("{\"latencyMs\": 5}", ".id: is missing");
+    expectNodeComplaint("{\"id\": 5, \"latencyMs\": 60001}", ".latencyMs: expected a whole number from 0 to 60000");
+    expectNodeComplaint("{\"id\": 5, \"latencyMs\": 9, \"jitterMs\": 10}",
+                        ".jitterMs: expected a whole number from 0 to 9");
+    expectNodeComplaint("{\"id\": 5, \"loss\": 1.01}", ".loss: expected a number from 0 to 1");
+    expectNodeComplaint("{\"id\": 5, \"loss\": \"1\"}", ".loss: expected a number from 0 to 1");
+    expectNodeComplaint("{\"id\": 5, \"state\": \"asleep\"}", ".state: expected \"awake\", \"sleeping\" or \"dead\"");
+    expectNodeComplaint("5", ": expected an object");
+}
+
+TEST_F(NetworkFile, WithTheSameNodeTwiceIsRefused) {
+    expectComplaint("{\"homeId\": \"c0ffee01\", \"nodes\": [{\"id\": 4},\n{\"id\": 4}]}",
+                    ":2: nodes[1].id: is the id of another node or of the controller");
+    expectComplaint("{\"homeId\": \"c0ffee01\", \"controller\": 7, \"nodes\": [\n{\"id\": 7}]}",
+                    ":2: nodes[0].id: is the id of another node or of the controller");
+}
+
+} // namespace
