@@ -1,9 +1,15 @@
 #pragma once
 
+#include "zwave/libquillet/AddRemoveNodeMsg.h"
+#include "zwave/libquillet/CliDisplayMsg.h"
+#include "zwave/libquillet/CommandClassMsg.h"
+#include "zwave/libquillet/ControllerInfoMsg.h"
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
+#include "zwave/libquillet/NodeInformationMsg.h"
 #include "zwave/libquillet/NvmOpEvt.h"
 #include "zwave/libquillet/PingMsg.h"
+#include "zwave/libquillet/SendCommandMsg.h"
 
 #include <vector>
 
@@ -15,10 +21,16 @@ template <class... Messages> struct MessageList {};
 
 /// Every message of the catalogue. Tests, reference and schema cover what stands here.
 using Catalogue = MessageList< //
+    AddRemoveNodeMsg,          //
+    CliDisplayMsg,             //
+    CommandClassMsg,           //
+    ControllerInfoMsg,         //
     FirmwareUpdateMsg,         //
     ManageNvmMsg,              //
+    NodeInformationMsg,        //
     NvmOpEvt,                  //
-    PingMsg>;
+    PingMsg,                   //
+    SendCommandMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.
 QUILLET_EXPORT std::vector<MessageDescriptor const*> const& describeCatalogue();

@@ -1,0 +1,63 @@
+#include "zwave/libquillet/CommandClassMsg.h"
+
+#include "platform/libtransport/EnumTable.h"
+#include "platform/libzwaved/Zwaved.h"
+#include "transport/displayRow.h"
+#include "zwave/libquillet/support/MessageOfImpl.h"
+#include "zwave/libquillet/support/hexDump.h"
+
+namespace zorv {
+
+std::string const CommandClassMsg::NAME("CommandClassMsg");
+SerialRegistrar const CommandClassMsg::registrar("zorv::" + NAME, &CommandClassMsg::serialFactory);
+
+namespace FrameCast {
+
+namespace {
+constexpr auto table =
+    enumTable<Enum>("FrameCast", {{singlecast, "singlecast"}, {broadcast, "broadcast"}, {multicast, "multicast"}});
+} // namespace
+
+ZORV_ENUM_DEFINE(table)
+
+} // namespace FrameCast
+
+namespace ReceivedStatus {
+
+namespace {
+// Peers know the errors of reading under the name that stands here without the "d".
+constexpr auto table = flagTable<Enum>(
+    "ReceivedStatus", "ReceiveStatus", "none",
+    {{routedBusy, "routedBusy"}, {lowPower, "lowPower"}, {explore, "explore"}, {foreignFrame, "foreignFrame"}},
+    flagField<frameCastMask>(FrameCast::table));
+} // namespace
+
+ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE_HEX
+
+} // namespace ReceivedStatus
+
+struct CommandClassMsg::Wire {
+    static constexpr auto members =
+        std::make_tuple(member("sourceAddr_", &CommandClassMsg::sourceAddr_, "node that sent the command"),
+                        member("rxStatus_", &CommandClassMsg::rxStatus_, "how the frame was received"),
+                        member("command_", &CommandClassMsg::command_, "command that was received"));
+};
+
+template class MessageOf<CommandClassMsg, TMessage>;
+
+boost::shared_ptr<CommandClassMsg> CommandClassMsg::create(unsigned char nodeId, ReceivedStatus::Enum rxStatus,
+                                                           boost::shared_ptr<GenericCommand> const& command,
+                                                           MessageRole::Enum role) {
+    auto const homeId = Zwaved::instance().controller().homeId();
+    return boost::make_shared<CommandClassMsg>(ZwaveAddress(homeId, nodeId), rxStatus, command, role);
+}
+
+void CommandClassMsg::accumulateDisplay(StringVecVec& rows) const {
+    displayRow(rows, "Application Data: ");
+    displayRow(rows, "Source address:", sourceAddr_.address());
+    displayRow(rows, "Received status:", rxStatus_);
+    hexDump(rows, command_->bytes());
+}
+
+} // namespace zorv
