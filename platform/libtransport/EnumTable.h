@@ -145,9 +145,9 @@ public:
         if (found != values.end()) { return found->second; }
         unsigned int number = 0;
         auto const* const end = word.data() + word.size();
-        bool const isHex = openDigits_ > 0 && word.size() > 2 && word.compare(0, 2, "0x") == 0 &&
+        bool const isHex = word.size() > 2 && word.size() <= 2 + openDigits_ && word.compare(0, 2, "0x") == 0 &&
                            std::from_chars(word.data() + 2, end, number, 16).ptr == end;
-        if (!isHex || !fitsOpenDigits(static_cast<Enum>(number))) { throwInvalidEnum(name_, word); }
+        if (!isHex) { throwInvalidEnum(name_, word); }
         return static_cast<Enum>(number);
     }
 
