@@ -64,6 +64,9 @@ std::string toString(TimeStamp time) {
         ms += msPerDay;
         --days;
     }
+    static auto const first = (date(boost::gregorian::min_date_time) - start()).days();
+    static auto const last = (date(boost::gregorian::max_date_time) - start()).days();
+    if (days < first || days > last) { throw std::out_of_range("a time stamp outside the years 1400 to 9999"); }
     auto const day = (start() + boost::gregorian::days(static_cast<long>(days))).year_month_day();
     std::string text = form;
     putNumber(text, 0, 4, day.year);

@@ -36,6 +36,7 @@ private:
     std::int64_t milliseconds_ = 0;
 };
 
+/// The text that print() writes; std::out_of_range where the time lies outside the years 1400 to 9999.
 ZORV_EXPORT std::string toString(TimeStamp time);
 
 } // namespace zorv
