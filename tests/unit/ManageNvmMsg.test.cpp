@@ -17,6 +17,7 @@
 #include <boost/make_shared.hpp>
 #include <json/value.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -705,6 +706,30 @@ TEST_F(ReadBackup, OfTheNullDeviceFailsWith9) {
     EXPECT_EQ(message_.read("/dev/null"), ZResult::Enum(9));
     EXPECT_THAT(log_.lines(), ElementsAre(StartsWith(cannotParse)));
 }
+
+// A sanitizer's own memory is many times the program's.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+TEST_F(ReadBackup, TakesLessMemoryThanEightTimesTheFile) {
+    auto const peak = [] {
+        rusage usage = {};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss * 1024;
+    };
+    std::string text = R"({"homeId_":5,"blobs_":[)";
+    auto const blob = wireText(*makeBlob("area", OctetVec(4096, 0xA5)));
+    while (text.size() < 8'000'000) { text += blob + ','; }
+    auto const path = directory_.write("backup.json", text + blob + "]}");
+    auto const taken = inChildProcess([&] {
+        auto const before = peak();
+        EXPECT_EQ(message_.read(path), ZResult::success);
+        return std::to_string(peak() - before);
+    });
+    EXPECT_GT(std::stol(taken), 8'000'000); // the blobs at least
+    EXPECT_LT(std::stol(taken), 8 * 8'000'000);
+}
+
+#endif
 
 // Nothing that a file holds raises these two, so the log does it, while the second home id is warned of.
 

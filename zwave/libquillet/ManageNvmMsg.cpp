@@ -11,20 +11,19 @@
 
 #include <boost/crc.hpp>
 #include <boost/filesystem/operations.hpp>
-#include <boost/iostreams/device/array.hpp>
-#include <boost/iostreams/stream.hpp>
 #include <json/reader.h>
 #include <json/value.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <istream>
+#include <memory>
 #include <numeric>
-#include <optional>
+#include <streambuf>
 
 namespace zorv {
 
@@ -153,54 +152,55 @@ bool ManageNvmMsg::checkBlobs() const {
 
 namespace {
 
-/// A file that is open for reading, or that could not be opened.
-class InputFile {
+/// The text of a file, its lines joined without their line feeds; never as a whole, since the parser makes copies enough.
+class JoinedLines : public std::streambuf {
 public:
     // Opening a FIFO would wait for its writer. Once it is open, reading is to wait for a writer that there is.
-    explicit InputFile(std::string const& path)
+    explicit JoinedLines(std::string const& path)
         : fd_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
-        if (fd_ >= 0) { ::fcntl(fd_, F_SETFL, ::fcntl(fd_, F_GETFL) & ~O_NONBLOCK); }
+        if (isOpen()) { ::fcntl(fd_, F_SETFL, ::fcntl(fd_, F_GETFL) & ~O_NONBLOCK); }
     }
-    ~InputFile() {
-        if (fd_ >= 0) { ::close(fd_); }
+    ~JoinedLines() override {
+        if (isOpen()) { ::close(fd_); }
     }
-    InputFile(InputFile const&) = delete;
-    InputFile& operator=(InputFile const&) = delete;
+    JoinedLines(JoinedLines const&) = delete;
+    JoinedLines& operator=(JoinedLines const&) = delete;
 
     bool isOpen() const noexcept { return fd_ >= 0; }
 
-    /// The lines of the file, joined without their line feeds; nothing where reading stopped before the end.
-    std::optional<std::string> joinedLines() const {
-        try {
-            std::string text;
-            text.reserve(size());
-            std::array<char, 65536> block{};
-            for (;;) {
-                auto const count = ::read(fd_, block.data(), block.size());
-                if (count == 0) { return text; }
-                if (count > 0) {
-                    text.append(block.begin(), std::remove(block.begin(), block.begin() + count, '\n'));
-                } else if (errno != EINTR) {
-                    return std::nullopt;
-                }
+    /// Whether reading stopped before the end of the file.
+    bool failed() const noexcept { return failed_; }
+
+protected:
+    int_type underflow() override {
+        auto* end = block_.data();
+        while (end == block_.data()) {
+            auto const count = ::read(fd_, block_.data(), block_.size());
+            if (count < 0 && errno == EINTR) { continue; }
+            if (count <= 0) {
+                failed_ = count < 0;
+                return traits_type::eof();
             }
-        } catch (std::exception const&) { return std::nullopt; } // too large for the memory
+            end = std::remove(block_.data(), block_.data() + count, '\n');
+        }
+        setg(block_.data(), block_.data(), end);
+        return traits_type::to_int_type(block_.front());
     }
 
 private:
-    /// Of a regular file, so that its text is not moved again and again while it grows.
-    std::size_t size() const noexcept {
-        struct stat status = {};
-        return ::fstat(fd_, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
-    }
-
     int fd_;
+    bool failed_ = false;
+    std::array<char, 65536> block_{};
 };
 
-Json::Value parse(std::string const& text) {
-    boost::iostreams::stream<boost::iostreams::array_source> is(text.data(), text.size());
+Json::Value parse(JoinedLines& lines) {
+    std::istream is(&lines);
     Json::Value root;
-    is >> root;
+    try {
+        is >> root;
+    } catch (std::exception const&) {
+        if (!lines.failed()) { throw; } // else the text broke off: that it is no JSON is not its fault
+    }
     return root;
 }
 
@@ -220,12 +220,11 @@ ZResult::Enum ManageNvmMsg::read(std::string const& file) {
     if (!boost::filesystem::exists(boost::filesystem::status(file, error))) {
         return fail(ZResult::fileNotFound, "input file does not exist " + file);
     }
-    InputFile const input(file);
-    if (!input.isOpen()) { return fail(ZResult::fileOpenFailure, "cannot open input file " + file); }
-    auto const text = input.joinedLines();
-    if (!text) { return fail(ZResult::fileReadFailure, "cannot read input file " + file); }
+    JoinedLines lines(file);
+    if (!lines.isOpen()) { return fail(ZResult::fileOpenFailure, "cannot open input file " + file); }
     try {
-        auto root = parse(*text);
+        auto root = parse(lines);
+        if (lines.failed()) { return fail(ZResult::fileReadFailure, "cannot read input file " + file); }
         blobs_.clear();
         homeId_ = findBlobs(root, blobs_);
     } catch (ZorvError const& zorvError) {
