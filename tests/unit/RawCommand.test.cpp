@@ -1,0 +1,47 @@
+#include "platform/libzorvshared/RawCommand.h"
+
+#include "tests/unit/golden.h"
+#include "tests/unit/ownMembers.h"
+#include "tests/unit/wire.h"
+
+#include <gtest/gtest.h>
+
+namespace zorv {
+namespace {
+
+TEST(RawCommand, WritesItsGoldenTextAfterReadingIt) {
+    auto const command = readBack<RawCommand>(golden("RawCommand"));
+    ASSERT_TRUE(command);
+    EXPECT_EQ(wireText(*command), golden("RawCommand"));
+}
+
+TEST(RawCommand, IsAGenericCommandThatGivesTheBytesAsTheyAre) {
+    auto const command = readBack<GenericCommand>(golden("RawCommand"));
+    ASSERT_TRUE(command);
+    EXPECT_EQ(command->bytes(), (std::vector<unsigned char>{0x25, 0x01, 0xFF}));
+}
+
+TEST(RawCommand, MayBeEmpty) {
+    EXPECT_EQ(wireText(RawCommand()),
+              R"({"__name__":"zorv::RawCommand","__bases__":[{"__name__":"zorv::GenericCommand","__bases__":[]}],)"
+              R"("data_":[]})");
+    EXPECT_TRUE(readBlank<RawCommand>()->bytes().empty());
+}
+
+TEST(RawCommand, ReadsNoNumberThatIsNoByte) {
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::RawCommand","data_":[1,256]})"),
+              (Refusal{"SerializerError", "data_[1]: expected unsigned byte, got 256"}));
+}
+
+TEST(RawCommand, ReadsNoDataThatIsNoArray) {
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::RawCommand","data_":"AQ=="})"),
+              (Refusal{"SerializerError", "data_: expected array, got string"}));
+}
+
+TEST(GenericCommand, CannotBeReadByItself) {
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::GenericCommand"})"),
+              (Refusal{"SerializerError", "unknown class \"zorv::GenericCommand\""}));
+}
+
+} // namespace
+} // namespace zorv
