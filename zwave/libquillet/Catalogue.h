@@ -10,6 +10,7 @@
 #include "zwave/libquillet/NvmOpEvt.h"
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
+#include "zwave/libquillet/SessionLayerMsg.h"
 
 #include <vector>
 
@@ -30,7 +31,8 @@ using Catalogue = MessageList< //
     NodeInformationMsg,        //
     NvmOpEvt,                  //
     PingMsg,                   //
-    SendCommandMsg>;
+    SendCommandMsg,            //
+    SessionLayerMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.
 QUILLET_EXPORT std::vector<MessageDescriptor const*> const& describeCatalogue();

@@ -1,0 +1,81 @@
+#include "zwave/libquillet/SessionLayerMsg.h"
+
+#include "tests/unit/errorText.h"
+#include "tests/unit/expectTexts.h"
+#include "tests/unit/ownMembers.h"
+
+#include <boost/make_shared.hpp>
+
+namespace zorv {
+namespace {
+
+TEST(SessionLayerMsg, MadeFromTheOperationPingWritesPingAndAnUnknownStatus) {
+    SessionLayerMsg const message(SessionLayerOp::ping);
+    EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"op_":"ping","status_":"unknown"})");
+    EXPECT_EQ(message.role(), 1);
+    EXPECT_EQ(message.result(), 0);
+}
+
+TEST(SessionLayerMsg, MadeFromAStatusIsAReportWhoseOperationIsStatus) {
+    SessionLayerMsg const message(static_cast<SessionLayerStatus::Enum>(7));
+    EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"op_":"status","status_":"frameTimeoutError"})");
+    EXPECT_EQ(message.role(), 3);
+    EXPECT_EQ(message.result(), 0);
+}
+
+TEST(SessionLayerMsg, MadeFromNothingHasNoRole) {
+    SessionLayerMsg const message;
+    EXPECT_EQ(message.op(), 0);
+    EXPECT_EQ(message.status(), 0);
+    EXPECT_EQ(message.role(), 0);
+}
+
+TEST(SessionLayerMsg, RejectsTheOperationTextInvalid) {
+    auto text = wireText(SessionLayerMsg());
+    auto const value = text.find(R"("op_":"status")");
+    ASSERT_NE(value, std::string::npos);
+    text.replace(value, 14, R"("op_":"invalid")");
+    EXPECT_EQ(errorText<InvalidEnumError>([&] { readSerializable(text); }), R"(invalid SessionLayerOp text "invalid")");
+}
+
+TEST(SessionLayerMsg, HasTwoOperations) {
+    expectTexts<SessionLayerOp::Enum>({"status", "ping"});
+    EXPECT_THROW(toString(static_cast<SessionLayerOp::Enum>(2)), InvalidEnumError);
+}
+
+TEST(SessionLayerMsg, HasTwelveStatuses) {
+    expectTexts<SessionLayerStatus::Enum>({"unknown", "idle", "threadRunning", "threadStopped", "frameNormal",
+                                           "frameChecksumError", "frameRetriesFailedError", "frameTimeoutError",
+                                           "moduleNotPresent", "moduleClosed", "moduleConfigFailure", "moduleOpen"});
+    EXPECT_THROW(toString(static_cast<SessionLayerStatus::Enum>(12)), InvalidEnumError);
+    EXPECT_THROW(SessionLayerStatus::toEnum("Idle"), InvalidEnumError);
+}
+
+TEST(SessionLayerMsg, AnswersWithACopyOfTheRequest) {
+    auto const request = boost::make_shared<SessionLayerMsg>(SessionLayerOp::ping);
+    auto const response = SessionLayerMsg::create(request, ZResult::success);
+    EXPECT_EQ(response->op(), SessionLayerOp::ping);
+    EXPECT_EQ(response->role(), MessageRole::request);
+    EXPECT_EQ(response->result(), 1);
+    EXPECT_EQ(response->correlation(), request->id());
+    EXPECT_NE(response->id(), request->id());
+}
+
+TEST(SessionLayerMsg, RefusesToAnswerNoRequest) {
+    EXPECT_EQ(errorText<NullPointerError>(
+                  [] { SessionLayerMsg::create(boost::shared_ptr<SessionLayerMsg>(), ZResult::success); }),
+              "msg is null");
+}
+
+/// A request whose copies are of another class, which no class of the catalogue is.
+class ForeignClone : public SessionLayerMsg {
+public:
+    boost::shared_ptr<TConfirmable> clone() const override { return boost::make_shared<Confirmable>(); }
+};
+
+TEST(SessionLayerMsg, AnswersNothingWhereTheCopyIsOfAnotherClass) {
+    EXPECT_FALSE(SessionLayerMsg::create(boost::make_shared<ForeignClone>(), ZResult::success));
+}
+
+} // namespace
+} // namespace zorv
