@@ -10,6 +10,7 @@
 #include "zwave/libquillet/NvmOpEvt.h"
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
+#include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
 
 #include <vector>
@@ -32,6 +33,7 @@ using Catalogue = MessageList< //
     NvmOpEvt,                  //
     PingMsg,                   //
     SendCommandMsg,            //
+    SerialManagerEvt,          //
     SessionLayerMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.

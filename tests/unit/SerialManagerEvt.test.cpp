@@ -1,0 +1,50 @@
+#include "zwave/libquillet/SerialManagerEvt.h"
+
+#include "tests/unit/errorText.h"
+#include "tests/unit/expectTexts.h"
+#include "tests/unit/ownMembers.h"
+#include "zwave/libquillet/QuitMsg.h"
+
+namespace zorv {
+namespace {
+
+TEST(SerialManagerEvt, WritesItsStateBehindTheFrameOfTMessage) {
+    SerialManagerEvt const event(SerialManagerStatus::sessionLayerRestart, 0);
+    EXPECT_EQ(ownMembers<TMessage>(event), R"(,"status_":"sessionLayerRestart","percentComplete_":0})");
+    auto const text = wireText(event);
+    EXPECT_NE(text.find(R"("__bases__":[{"__name__":"zorv::TMessage",)"), std::string::npos);
+    EXPECT_EQ(text.find("zorv::Confirmable"), std::string::npos);
+}
+
+TEST(SerialManagerEvt, ReadsIdleButNotWithACapitalLetter) {
+    EXPECT_EQ(SerialManagerStatus::toEnum("idle"), 0);
+    EXPECT_EQ(errorText<InvalidEnumError>([] { SerialManagerStatus::toEnum("Idle"); }),
+              R"(invalid SerialManagerStatus text "Idle")");
+}
+
+TEST(SerialManagerEvt, HasSixStates) {
+    expectTexts<SerialManagerStatus::Enum>({"idle", "bootloaderRunning", "bootloaderStopped", "sessionLayerRunning",
+                                            "sessionLayerStopped", "sessionLayerRestart"});
+    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SerialManagerStatus::Enum>(6)); }),
+              "invalid SerialManagerStatus value 6");
+}
+
+TEST(SerialManagerEvt, CarriesMoreThanAHundredPercent) {
+    SerialManagerEvt const event(SerialManagerStatus::bootloaderRunning, 4294967295U);
+    EXPECT_EQ(ownMembers<TMessage>(event), R"(,"status_":"bootloaderRunning","percentComplete_":4294967295})");
+    auto const back = readBack<SerialManagerEvt>(wireText(event));
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->percentComplete(), 4294967295U);
+}
+
+TEST(SerialManagerEvt, IsLinkedToTheMessageThatCausedIt) {
+    QuitMsg const cause;
+    auto const event = SerialManagerEvt::create(cause, SerialManagerStatus::bootloaderStopped, 40);
+    EXPECT_EQ(event->correlation(), cause.id());
+    EXPECT_EQ(event->status(), 2);
+    EXPECT_EQ(event->percentComplete(), 40U);
+    EXPECT_EQ(event->role(), MessageRole::none);
+}
+
+} // namespace
+} // namespace zorv

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/libtransport/EnumDeclaration.h"
+#include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/TMessage.h"
+#include "zwave/libquillet/support/MessageOf.h"
+
+namespace zorv {
+
+namespace SerialManagerStatus {
+
+enum Enum : int {
+    idle,
+    bootloaderRunning,
+    bootloaderStopped,
+    sessionLayerRunning,
+    sessionLayerStopped,
+    sessionLayerRestart
+};
+
+ZORV_ENUM_DECLARE(QUILLET_EXPORT)
+
+} // namespace SerialManagerStatus
+
+/// The daemon's serial manager, which runs the link to the Z-Wave module, tells the clients its new state.
+class QUILLET_EXPORT SerialManagerEvt : public MessageOf<SerialManagerEvt, TMessage> {
+public:
+    static std::string const NAME;
+    static SerialRegistrar const registrar;
+
+    SerialManagerEvt() = default;
+    SerialManagerEvt(SerialManagerStatus::Enum status, unsigned int percentComplete)
+        : status_(status), percentComplete_(percentComplete) {}
+
+    /// The event that `cause`, the message which started the operation, has led to.
+    static boost::shared_ptr<SerialManagerEvt> create(TMessage const& cause, SerialManagerStatus::Enum status,
+                                                      unsigned int percentComplete);
+
+    SerialManagerStatus::Enum status() const noexcept { return status_; }
+    unsigned int percentComplete() const noexcept { return percentComplete_; }
+
+private:
+    friend MessageOf;
+    struct Wire;
+
+    SerialManagerStatus::Enum status_ = SerialManagerStatus::idle;
+    unsigned int percentComplete_ = 0; // carried as given, also above 100
+};
+
+} // namespace zorv
