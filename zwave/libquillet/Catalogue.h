@@ -9,6 +9,7 @@
 #include "zwave/libquillet/NodeInformationMsg.h"
 #include "zwave/libquillet/NvmOpEvt.h"
 #include "zwave/libquillet/PingMsg.h"
+#include "zwave/libquillet/QuitMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
@@ -32,6 +33,7 @@ using Catalogue = MessageList< //
     NodeInformationMsg,        //
     NvmOpEvt,                  //
     PingMsg,                   //
+    QuitMsg,                   //
     SendCommandMsg,            //
     SerialManagerEvt,          //
     SessionLayerMsg>;

@@ -1,0 +1,15 @@
+#include "zwave/libquillet/QuitMsg.h"
+
+#include "tests/unit/ownMembers.h"
+
+namespace zorv {
+namespace {
+
+TEST(QuitMsg, WritesItsNameAndTheFrameOfTMessageAndNothingElse) {
+    QuitMsg const message;
+    EXPECT_EQ(ownMembers<TMessage>(message), "}");
+    EXPECT_EQ(wireText(message).find(R"({"__name__":"zorv::QuitMsg","__bases__":[{"__name__":"zorv::TMessage",)"), 0U);
+}
+
+} // namespace
+} // namespace zorv
