@@ -13,6 +13,7 @@
 #include "zwave/libquillet/SendCommandMsg.h"
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
+#include "zwave/libquillet/VersionMsg.h"
 
 #include <vector>
 
@@ -36,7 +37,8 @@ using Catalogue = MessageList< //
     QuitMsg,                   //
     SendCommandMsg,            //
     SerialManagerEvt,          //
-    SessionLayerMsg>;
+    SessionLayerMsg,           //
+    VersionMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.
 QUILLET_EXPORT std::vector<MessageDescriptor const*> const& describeCatalogue();
