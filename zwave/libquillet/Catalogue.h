@@ -13,6 +13,7 @@
 #include "zwave/libquillet/SendCommandMsg.h"
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
+#include "zwave/libquillet/SubscribeMsg.h"
 #include "zwave/libquillet/VersionMsg.h"
 
 #include <vector>
@@ -38,6 +39,7 @@ using Catalogue = MessageList< //
     SendCommandMsg,            //
     SerialManagerEvt,          //
     SessionLayerMsg,           //
+    SubscribeMsg,              //
     VersionMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.
