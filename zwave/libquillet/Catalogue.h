@@ -10,6 +10,7 @@
 #include "zwave/libquillet/NvmOpEvt.h"
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/QuitMsg.h"
+#include "zwave/libquillet/ResetDefaultsMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
@@ -36,6 +37,7 @@ using Catalogue = MessageList< //
     NvmOpEvt,                  //
     PingMsg,                   //
     QuitMsg,                   //
+    ResetDefaultsMsg,          //
     SendCommandMsg,            //
     SerialManagerEvt,          //
     SessionLayerMsg,           //
