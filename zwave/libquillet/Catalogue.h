@@ -4,6 +4,7 @@
 #include "zwave/libquillet/CliDisplayMsg.h"
 #include "zwave/libquillet/CommandClassMsg.h"
 #include "zwave/libquillet/ControllerInfoMsg.h"
+#include "zwave/libquillet/DaemonStatusMsg.h"
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 #include "zwave/libquillet/NodeInformationMsg.h"
@@ -31,6 +32,7 @@ using Catalogue = MessageList< //
     CliDisplayMsg,             //
     CommandClassMsg,           //
     ControllerInfoMsg,         //
+    DaemonStatusMsg,           //
     FirmwareUpdateMsg,         //
     ManageNvmMsg,              //
     NodeInformationMsg,        //
