@@ -17,6 +17,7 @@
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
 #include "zwave/libquillet/SubscribeMsg.h"
+#include "zwave/libquillet/SystemStatusEvt.h"
 #include "zwave/libquillet/VersionMsg.h"
 
 #include <vector>
@@ -46,6 +47,7 @@ using Catalogue = MessageList< //
     SerialManagerEvt,          //
     SessionLayerMsg,           //
     SubscribeMsg,              //
+    SystemStatusEvt,           //
     VersionMsg>;
 
 /// The descriptors of the catalogue's messages, in its order.
