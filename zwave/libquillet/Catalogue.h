@@ -6,6 +6,7 @@
 #include "zwave/libquillet/ControllerInfoMsg.h"
 #include "zwave/libquillet/DaemonStatusMsg.h"
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
+#include "zwave/libquillet/LearnModeMsg.h"
 #include "zwave/libquillet/ManageFailedNodeMsg.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 #include "zwave/libquillet/NodeInformationMsg.h"
@@ -36,6 +37,7 @@ using Catalogue = MessageList< //
     ControllerInfoMsg,         //
     DaemonStatusMsg,           //
     FirmwareUpdateMsg,         //
+    LearnModeMsg,              //
     ManageFailedNodeMsg,       //
     ManageNvmMsg,              //
     NodeInformationMsg,        //
