@@ -15,6 +15,7 @@
 #include "zwave/libquillet/QuitMsg.h"
 #include "zwave/libquillet/ResetDefaultsMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
+#include "zwave/libquillet/SendNifMsg.h"
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
 #include "zwave/libquillet/SubscribeMsg.h"
@@ -46,6 +47,7 @@ using Catalogue = MessageList< //
     QuitMsg,                   //
     ResetDefaultsMsg,          //
     SendCommandMsg,            //
+    SendNifMsg,                //
     SerialManagerEvt,          //
     SessionLayerMsg,           //
     SubscribeMsg,              //

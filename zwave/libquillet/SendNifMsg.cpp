@@ -1,0 +1,31 @@
+#include "zwave/libquillet/SendNifMsg.h"
+
+#include "zwave/libquillet/support/MessageOfImpl.h"
+#include "zwave/libquillet/support/respond.h"
+
+namespace zorv {
+
+std::string const SendNifMsg::NAME("SendNifMsg");
+SerialRegistrar const SendNifMsg::registrar("zorv::" + NAME, &SendNifMsg::serialFactory);
+
+struct SendNifMsg::Wire {
+    static constexpr auto members =
+        std::make_tuple(member("destination_", &SendNifMsg::destination_, "node id; 255 stands for all nodes"),
+                        member("options_", &SendNifMsg::options_, "how the frame is sent"));
+};
+
+template class MessageOf<SendNifMsg, Confirmable>;
+
+boost::shared_ptr<SendNifMsg> SendNifMsg::create(unsigned char destination, TransmitOption::Enum options) {
+    return boost::make_shared<SendNifMsg>(destination, options);
+}
+
+// Response forms elsewhere check the request and repeat its members; this one does neither.
+boost::shared_ptr<SendNifMsg> SendNifMsg::create(boost::shared_ptr<SendNifMsg> const& request, ZResult::Enum result) {
+    constexpr unsigned char allNodes = 255;
+    auto response = respondWithNew<SendNifMsg>(*request, allNodes, TransmitOption::defaultOptions);
+    response->result(result);
+    return response;
+}
+
+} // namespace zorv
