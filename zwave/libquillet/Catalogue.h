@@ -11,6 +11,7 @@
 #include "zwave/libquillet/ManageNvmMsg.h"
 #include "zwave/libquillet/NodeInformationMsg.h"
 #include "zwave/libquillet/NvmOpEvt.h"
+#include "zwave/libquillet/ObserveMsg.h"
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/QuitMsg.h"
 #include "zwave/libquillet/ResetDefaultsMsg.h"
@@ -43,6 +44,7 @@ using Catalogue = MessageList< //
     ManageNvmMsg,              //
     NodeInformationMsg,        //
     NvmOpEvt,                  //
+    ObserveMsg,                //
     PingMsg,                   //
     QuitMsg,                   //
     ResetDefaultsMsg,          //

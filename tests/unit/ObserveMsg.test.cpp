@@ -1,0 +1,126 @@
+#include "zwave/libquillet/ObserveMsg.h"
+
+#include "tests/unit/ownMembers.h"
+#include "zwave/libquillet/PingMsg.h"
+#include "zwave/libquillet/QuitMsg.h"
+#include "zwave/libquillet/VersionMsg.h"
+
+#include <boost/make_shared.hpp>
+#include <gmock/gmock.h>
+
+namespace zorv {
+namespace {
+
+using testing::StartsWith;
+
+boost::shared_ptr<ObserveMsg> observed(boost::shared_ptr<TMessage> const& message) {
+    return ObserveMsg::create(ObserveDirection::received, message);
+}
+
+/// The text of an observed ping, inside as many other observed messages as `depth` says.
+std::string nested(int depth) {
+    boost::shared_ptr<TMessage> message = boost::make_shared<PingMsg>();
+    for (int i = 0; i < depth; ++i) { message = observed(message); }
+    return wireText(*message);
+}
+
+TEST(ObserveMsg, WritesTheWholeFramedPingMsgAndReadsItBack) {
+    auto const ping = boost::make_shared<PingMsg>(ZwaveAddress(0xC0FFEE01U, 5));
+    auto const message = observed(ping);
+    EXPECT_EQ(ownMembers<Confirmable>(*message),
+              R"(,"action_":"none","direction_":"received","message_":)" + wireText(*ping) + "}");
+
+    auto const back = readBack<ObserveMsg>(wireText(*message));
+    auto const pingBack = boost::dynamic_pointer_cast<PingMsg>(back->message());
+    ASSERT_TRUE(pingBack);
+    EXPECT_EQ(wireText(*pingBack), wireText(*ping));
+}
+
+TEST(ObserveMsg, CarriesAnEventAndAMessageWithoutBases) {
+    auto const quit = readBack<ObserveMsg>(wireText(*observed(boost::make_shared<QuitMsg>())));
+    EXPECT_TRUE(boost::dynamic_pointer_cast<QuitMsg>(quit->message()));
+    auto const version = readBack<ObserveMsg>(wireText(*observed(VersionMsg::create("2.1"))));
+    auto const inner = boost::dynamic_pointer_cast<VersionMsg>(version->message());
+    ASSERT_TRUE(inner);
+    EXPECT_EQ(inner->protocolVersion(), "2.1");
+}
+
+TEST(ObserveMsg, WritesNoMessageAsNullAndReadsItBack) {
+    ObserveMsg const message(ObserveAction::stop, ObserveDirection::sent);
+    EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"action_":"stop","direction_":"sent","message_":null})");
+    EXPECT_FALSE(readBack<ObserveMsg>(wireText(message))->message());
+}
+
+TEST(ObserveMsg, ReadsAnObjectThatIsNoMessageAsNone) {
+    // Every registered class of the catalogue is a message; a record of the platform is not.
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ObserveMsg","message_":{"__name__":"zorv::ZwaveAddress"}})"),
+              (Refusal{"SerializerError", R"(message_: unknown class "zorv::ZwaveAddress")"}));
+}
+
+TEST(ObserveMsg, ObservedMessageCarriesResult1) {
+    auto const message = observed(boost::make_shared<PingMsg>());
+    EXPECT_EQ(message->result(), 1);
+    EXPECT_EQ(message->action(), 0);
+    EXPECT_EQ(message->direction(), ObserveDirection::received);
+}
+
+TEST(ObserveMsg, WishToObserveHasAction1AndDirection0) {
+    auto const wish = ObserveMsg::create(ZResult::inProgress);
+    EXPECT_EQ(wish->action(), 1);
+    EXPECT_EQ(wish->direction(), 0);
+    EXPECT_EQ(wish->result(), 3);
+    EXPECT_FALSE(wish->message());
+}
+
+TEST(ObserveMsg, AnswersARequestOfAnyClassWithAction0AndDirection0) {
+    auto const request = boost::make_shared<PingMsg>();
+    auto const answer = ObserveMsg::create(request, ZResult::rejected);
+    EXPECT_EQ(answer->action(), 0);
+    EXPECT_EQ(answer->direction(), 0);
+    EXPECT_EQ(answer->result(), 4);
+    EXPECT_EQ(answer->correlation(), request->id());
+    EXPECT_FALSE(answer->message());
+}
+
+#ifndef NDEBUG
+TEST(ObserveMsgDeathTest, AnswersNoRequestOnlyByEndingTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(ObserveMsg::create(boost::shared_ptr<TMessage>(), ZResult::success), "px != 0");
+}
+#endif
+
+TEST(ObserveMsg, CarriesItselfDownToTheDepthThatTheReaderAllows) {
+    // The ping takes 8 of the 128 levels: itself, three bases arrays with an object each, and the empty one.
+    auto const deepest = nested(120);
+    auto message = boost::dynamic_pointer_cast<TMessage>(readSerializable(deepest));
+    int depth = 0;
+    while (auto const observer = boost::dynamic_pointer_cast<ObserveMsg>(message)) {
+        message = observer->message();
+        ++depth;
+    }
+    EXPECT_EQ(depth, 120);
+    EXPECT_TRUE(boost::dynamic_pointer_cast<PingMsg>(message));
+}
+
+TEST(ObserveMsg, IsRefusedWhereItIsNestedDeeperThanTheReaderAllows) {
+    auto const refusal = refusalOfText(nested(121));
+    EXPECT_EQ(refusal.type, "SerializerError");
+    EXPECT_THAT(refusal.text, StartsWith("malformed text: line 1, column "));
+    EXPECT_THAT(refusal.text, testing::EndsWith(": nested deeper than 128 levels"));
+}
+
+TEST(ObserveMsg, IsRefusedAHundredThousandLevelsDeepWithoutExhaustingTheStack) {
+    std::string text;
+    for (int i = 0; i < 100000; ++i) { text += R"({"__name__":"zorv::ObserveMsg","message_":)"; }
+    text += "null" + std::string(100000, '}');
+    EXPECT_EQ(refusalOfText(text).type, "SerializerError");
+}
+
+TEST(ObserveMsg, SharesTheObservedMessageWithItsCopies) {
+    auto const message = observed(boost::make_shared<PingMsg>());
+    auto const copy = boost::dynamic_pointer_cast<ObserveMsg>(message->clone());
+    EXPECT_EQ(copy->message(), message->message());
+}
+
+} // namespace
+} // namespace zorv
