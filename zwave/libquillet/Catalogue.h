@@ -14,6 +14,7 @@
 #include "zwave/libquillet/ObserveMsg.h"
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/QuitMsg.h"
+#include "zwave/libquillet/RequestNeighborUpdateMsg.h"
 #include "zwave/libquillet/ResetDefaultsMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
 #include "zwave/libquillet/SendNifMsg.h"
@@ -47,6 +48,7 @@ using Catalogue = MessageList< //
     ObserveMsg,                //
     PingMsg,                   //
     QuitMsg,                   //
+    RequestNeighborUpdateMsg,  //
     ResetDefaultsMsg,          //
     SendCommandMsg,            //
     SendNifMsg,                //
