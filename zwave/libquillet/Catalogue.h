@@ -15,6 +15,7 @@
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/QuitMsg.h"
 #include "zwave/libquillet/RequestNeighborUpdateMsg.h"
+#include "zwave/libquillet/RequestNetworkUpdateMsg.h"
 #include "zwave/libquillet/ResetDefaultsMsg.h"
 #include "zwave/libquillet/SendCommandMsg.h"
 #include "zwave/libquillet/SendNifMsg.h"
@@ -49,6 +50,7 @@ using Catalogue = MessageList< //
     PingMsg,                   //
     QuitMsg,                   //
     RequestNeighborUpdateMsg,  //
+    RequestNetworkUpdateMsg,   //
     ResetDefaultsMsg,          //
     SendCommandMsg,            //
     SendNifMsg,                //
