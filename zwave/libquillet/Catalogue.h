@@ -21,6 +21,7 @@
 #include "zwave/libquillet/SendNifMsg.h"
 #include "zwave/libquillet/SerialManagerEvt.h"
 #include "zwave/libquillet/SessionLayerMsg.h"
+#include "zwave/libquillet/SocketStatusMsg.h"
 #include "zwave/libquillet/SubscribeMsg.h"
 #include "zwave/libquillet/SystemStatusEvt.h"
 #include "zwave/libquillet/VersionMsg.h"
@@ -56,6 +57,7 @@ using Catalogue = MessageList< //
     SendNifMsg,                //
     SerialManagerEvt,          //
     SessionLayerMsg,           //
+    SocketStatusMsg,           //
     SubscribeMsg,              //
     SystemStatusEvt,           //
     VersionMsg>;

@@ -1,0 +1,44 @@
+#include "zwave/libquillet/SocketStatusMsg.h"
+
+#include "tests/unit/errorText.h"
+#include "tests/unit/expectTexts.h"
+#include "tests/unit/ownMembers.h"
+
+#include <boost/asio/ip/tcp.hpp>
+
+namespace zorv {
+namespace {
+
+TEST(SocketStatusMsg, WritesStatus2AsDisconnectAndReadsItBack) {
+    SocketStatusMsg const message(static_cast<SocketEvent::Enum>(2), SocketActor::client);
+    EXPECT_EQ(ownMembers<TMessage>(message), R"(,"status_":"disconnect","actor_":"client"})");
+    auto const back = readBack<SocketStatusMsg>(wireText(message));
+    EXPECT_EQ(back->status(), 2);
+    EXPECT_EQ(back->actor(), SocketActor::client);
+}
+
+TEST(SocketStatusMsg, TakesTheEndpointAsItsSource) {
+    boost::asio::ip::tcp::endpoint const endpoint(boost::asio::ip::make_address("192.0.2.7"), 4711);
+    auto const message = SocketStatusMsg::create(endpoint, SocketEvent::connect, SocketActor::server);
+    EXPECT_EQ(message->source(), endpoint);
+    EXPECT_EQ(message->status(), SocketEvent::connect);
+    EXPECT_EQ(message->actor(), SocketActor::server);
+}
+
+TEST(SocketStatusMsg, HasFourEvents) {
+    expectTexts<SocketEvent::Enum>({"invalid", "connect", "disconnect", "error"});
+    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SocketEvent::Enum>(4)); }),
+              "invalid SocketEvent value 4");
+}
+
+TEST(SocketStatusMsg, WritesAnEventInHex) { EXPECT_EQ(toHex(SocketEvent::error), "03"); }
+
+TEST(SocketStatusMsg, NamesTheEnumerationOfAnUnknownText) {
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::SocketStatusMsg","status_":"Connect"})"),
+              (Refusal{"InvalidEnumError", R"(invalid SocketEvent text "Connect")"}));
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::SocketStatusMsg","actor_":"error"})"),
+              (Refusal{"InvalidEnumError", R"(invalid SocketActor text "error")"}));
+}
+
+} // namespace
+} // namespace zorv
