@@ -101,14 +101,10 @@ void MessageBus::dispatch(PeerId from, MessagePtr const& message) {
     if (confirmable && settle(from, confirmable)) { return; }
     auto const& dynamicType = *message;
     auto const handler = classHandlers_.find(typeid(dynamicType));
-    if (handler != classHandlers_.end() && confirmable) {
+    if (handler != classHandlers_.end() && handler->second.answers) {
         dispatchRequest(from, handler->second, confirmable);
     } else if (handler != classHandlers_.end()) {
-        try {
-            handler->second(message, from);
-        } catch (std::exception const& error) {
-            logExceptionWarning(BOOST_CURRENT_FUNCTION, "cannot handle " + message->name(), error);
-        }
+        call(handler->second, from, message);
     } else if (confirmable && message->correlation().is_nil()) {
         warn("nobody handles " + message->name(), BOOST_CURRENT_LOCATION);
         send(from, makeResponse(*confirmable, TResult::rejected));
@@ -127,11 +123,17 @@ void MessageBus::dispatchRequest(PeerId from, ClassHandler const& handler, Confi
     }
     askers_.emplace(request->id(), from);
     ++peer.unanswered;
+    if (!call(handler, from, request)) { answer(makeResponse(*request, TResult::failure)); }
+}
+
+/// False where the handler throws.
+bool MessageBus::call(ClassHandler const& handler, PeerId from, MessagePtr const& message) {
     try {
-        handler(request, from);
+        handler.call(message, from);
+        return true;
     } catch (std::exception const& error) {
-        logExceptionWarning(BOOST_CURRENT_FUNCTION, "cannot handle " + request->name(), error);
-        answer(makeResponse(*request, TResult::failure));
+        logExceptionWarning(BOOST_CURRENT_FUNCTION, "cannot handle " + message->name(), error);
+        return false;
     }
 }
 

@@ -17,6 +17,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <typeindex>
 #include <typeinfo>
 #include <utility>
@@ -69,13 +70,17 @@ public:
 
     // ---- messages
 
-    /// Has `handler` called with each message of exactly the class `M` that is no answer to a request of this process.
+    /// Has `handler` called with each request of exactly the class `M`.
     ///
     /// The handler, or whoever it hands the request to, passes the answer to answer().
-    template <class M> void handle(std::function<void(boost::shared_ptr<M> const& message, PeerId from)> handler) {
-        classHandlers_[typeid(M)] = [handler = std::move(handler)](MessagePtr const& message, PeerId from) {
-            handler(boost::static_pointer_cast<M>(message), from);
-        };
+    template <class M> void handle(std::function<void(boost::shared_ptr<M> const& request, PeerId from)> handler) {
+        static_assert(std::is_base_of_v<TConfirmable, M>, "only confirmable messages are answered");
+        addHandler(std::move(handler), true);
+    }
+
+    /// Has `handler` called with each message of exactly the class `M`, which gets no answer.
+    template <class M> void listen(std::function<void(boost::shared_ptr<M> const& message, PeerId from)> handler) {
+        addHandler(std::move(handler), false);
     }
 
     /// Sends a response to the peer whose request it answers; it is dropped when that peer is gone, and logged when it
@@ -125,12 +130,24 @@ private:
         Timer deadline;
     };
 
-    using ClassHandler = std::function<void(MessagePtr const& message, PeerId from)>;
+    struct ClassHandler {
+        std::function<void(MessagePtr const& message, PeerId from)> call;
+        bool answers;
+    };
+
+    template <class M>
+    void addHandler(std::function<void(boost::shared_ptr<M> const& message, PeerId from)> handler, bool answers) {
+        auto call = [handler = std::move(handler)](MessagePtr const& message, PeerId from) {
+            handler(boost::static_pointer_cast<M>(message), from);
+        };
+        classHandlers_[typeid(M)] = ClassHandler{std::move(call), answers};
+    }
 
     void received(PeerId from, std::string const& line);
     void closed(PeerId peer, std::string const& reason);
     void dispatch(PeerId from, MessagePtr const& message);
     void dispatchRequest(PeerId from, ClassHandler const& handler, ConfirmablePtr const& request);
+    static bool call(ClassHandler const& handler, PeerId from, MessagePtr const& message);
     bool settle(PeerId from, ConfirmablePtr const& answer);
     void finish(boost::uuids::uuid const& id, TResult::Enum result);
     void deliver(PeerId to, std::string const& text);

@@ -11,6 +11,7 @@
 #include <list>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -179,7 +180,7 @@ TEST(ClientExitCodes, InterruptionDuringAPingIs130) {
     });
     Process client(clientCommand(daemon.port(), {"--timeout", "3600", "ping", "1"}));
     // The client is waiting once it has complained about the message that answers nothing.
-    while (client.errors().find("nobody") == std::string::npos) { std::this_thread::yield(); }
+    client.waitForError("nobody handles PingMsg");
     client.signal(SIGINT);
     EXPECT_EQ(130, client.wait());
 }

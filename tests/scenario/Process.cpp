@@ -126,6 +126,13 @@ std::string Process::errors() const {
     }
 }
 
+void Process::waitForError(std::string const& text) const {
+    for (int waited = 0; errors().find(text) == std::string::npos; ++waited) {
+        if (waited == deadlineMs) { throw std::runtime_error("the process does not say " + text); }
+        ::poll(nullptr, 0, 1);
+    }
+}
+
 std::string program(std::string const& name) { return QUILLET_BIN_DIR "/" + name; }
 
 DaemonProcess::DaemonProcess(std::vector<std::string> const& arguments)

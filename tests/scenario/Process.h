@@ -36,6 +36,9 @@ public:
     /// What came on standard error; complete after wait().
     std::string errors() const;
 
+    /// Waits until the text has come on standard error.
+    void waitForError(std::string const& text) const;
+
 private:
     bool readMore();
 
