@@ -3,6 +3,7 @@
 #include "zwave/libquillet/AddRemoveNodeMsg.h"
 #include "zwave/libquillet/CliDisplayMsg.h"
 #include "zwave/libquillet/CommandClassMsg.h"
+#include "zwave/libquillet/ControlCommandMsg.h"
 #include "zwave/libquillet/ControllerInfoMsg.h"
 #include "zwave/libquillet/DaemonStatusMsg.h"
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
@@ -39,6 +40,7 @@ using Catalogue = MessageList< //
     AddRemoveNodeMsg,          //
     CliDisplayMsg,             //
     CommandClassMsg,           //
+    ControlCommandMsg,         //
     ControllerInfoMsg,         //
     DaemonStatusMsg,           //
     FirmwareUpdateMsg,         //
