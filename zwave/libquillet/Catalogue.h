@@ -6,6 +6,7 @@
 #include "zwave/libquillet/ControlCommandMsg.h"
 #include "zwave/libquillet/ControllerInfoMsg.h"
 #include "zwave/libquillet/DaemonStatusMsg.h"
+#include "zwave/libquillet/DeviceStatusMsg.h"
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
 #include "zwave/libquillet/LearnModeMsg.h"
 #include "zwave/libquillet/ManageFailedNodeMsg.h"
@@ -43,6 +44,7 @@ using Catalogue = MessageList< //
     ControlCommandMsg,         //
     ControllerInfoMsg,         //
     DaemonStatusMsg,           //
+    DeviceStatusMsg,           //
     FirmwareUpdateMsg,         //
     LearnModeMsg,              //
     ManageFailedNodeMsg,       //
