@@ -3,6 +3,7 @@
 #include "zwave/libquillet/AddRemoveNodeMsg.h"
 #include "zwave/libquillet/CliDisplayMsg.h"
 #include "zwave/libquillet/CommandClassMsg.h"
+#include "zwave/libquillet/ConfigurationMsg.h"
 #include "zwave/libquillet/ControlCommandMsg.h"
 #include "zwave/libquillet/ControllerInfoMsg.h"
 #include "zwave/libquillet/DaemonStatusMsg.h"
@@ -41,6 +42,7 @@ using Catalogue = MessageList< //
     AddRemoveNodeMsg,          //
     CliDisplayMsg,             //
     CommandClassMsg,           //
+    ConfigurationMsg,          //
     ControlCommandMsg,         //
     ControllerInfoMsg,         //
     DaemonStatusMsg,           //
