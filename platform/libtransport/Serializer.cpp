@@ -68,11 +68,35 @@ bool skipEscape(char const*& at, char const* end) {
     return true;
 }
 
+bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+
+/// Steps over digits; false where there are none.
+bool skipDigits(char const*& at, char const* end) {
+    char const* const start = at;
+    while (at != end && isDigit(*at)) { ++at; }
+    return at != start;
+}
+
+/// Steps over the number that begins at `at`; false where it is not written as JSON writes numbers.
+bool skipNumber(char const*& at, char const* end) {
+    if (*at == '-') { ++at; }
+    bool const leadingZero = at != end && *at == '0';
+    char const* const start = at;
+    if (!skipDigits(at, end) || (leadingZero && at - start > 1)) { return false; }
+    if (at != end && *at == '.' && !skipDigits(++at, end)) { return false; }
+    if (at == end || (*at != 'e' && *at != 'E')) { return true; }
+    ++at;
+    if (at != end && (*at == '+' || *at == '-')) { ++at; }
+    return skipDigits(at, end);
+}
+
 /// Refuses what the JSON parser would let through or meet too late: broken UTF-8, raw control characters and lone
-/// surrogates in strings, and nesting that would exhaust the stack.
+/// surrogates in strings, numbers of a form that JSON does not have, comments and commas in some places, and nesting
+/// that would exhaust the stack.
 void checkText(std::string const& text) {
     char const* const end = text.data() + text.size();
     bool inString = false;
+    bool afterComma = false;
     int depth = 0;
     for (char const* at = text.data(); at != end;) {
         char const* const start = at;
@@ -83,6 +107,11 @@ void checkText(std::string const& text) {
         char const c = *at;
         if (inString && c == '\\') {
             if (!skipEscape(at, end)) { malformed(text, start, "half of a surrogate pair"); }
+            continue;
+        }
+        if (!inString && (isDigit(c) || c == '-' || c == '+')) {
+            if (!skipNumber(at, end)) { malformed(text, start, "not a number"); }
+            afterComma = false;
             continue;
         }
         ++at;
@@ -96,10 +125,14 @@ void checkText(std::string const& text) {
                 malformed(text, start, "nested deeper than " + std::to_string(Serializer::maxDepth) + " levels");
             }
         } else if (c == '}' || c == ']') {
+            if (afterComma) { malformed(text, start, "nothing after a comma"); }
             --depth;
         } else if (c == '\0') {
             malformed(text, start, "NUL character");
+        } else if (c == '/') {
+            malformed(text, start, "comment");
         }
+        if (c != ' ' && c != '\t' && c != '\n' && c != '\r') { afterComma = c == ',' && !inString; }
     }
 }
 
@@ -121,6 +154,7 @@ Json::CharReaderBuilder makeStrictBuilder() {
     Json::CharReaderBuilder builder;
     Json::CharReaderBuilder::strictMode(&builder.settings_);
     builder.settings_["strictRoot"] = false; // a lone value is refused by whoever wants an object, with a better text
+    builder.settings_["skipBom"] = false;
     builder.settings_["stackLimit"] = Serializer::maxDepth + 1;
     return builder;
 }
