@@ -17,6 +17,7 @@ Endpoint toEndpoint(std::string const& text) {
     auto host = text.substr(0, colon);
     bool const bracketed = host.size() > 1 && host.front() == '[' && host.back() == ']';
     if (bracketed) { host = host.substr(1, host.size() - 2); }
+    if (host.find('\0') != std::string::npos) { throw std::invalid_argument("make_address would stop there"); }
     auto const address = boost::asio::ip::make_address(host);
     if (address.is_v6() != bracketed) { throw std::invalid_argument("brackets go with IPv6"); }
     auto const port = text.substr(colon + 1);
