@@ -4,7 +4,7 @@
 
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
-#include "zwave/libquillet/Confirmable.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gtest/gtest.h>
 
@@ -91,10 +91,12 @@ std::string written(Serializable const& object) {
 void use(TMessage const& message) {
     std::ostringstream printed;
     message.print(printed);
+    auto const* const nvm = dynamic_cast<ManageNvmMsg const*>(&message);
     try {
         StringVecVec rows;
         message.accumulateDisplay(rows);
-    } catch (std::exception const&) { // what cannot be shown is refused
+        if (nvm != nullptr && nvm->checkBlobs()) { nvm->size(); }
+    } catch (std::exception const&) { // what cannot be shown or checked is refused
     }
     if (auto const* const request = dynamic_cast<Confirmable const*>(&message)) {
         auto const answer = request->makeTimeoutResponse();

@@ -39,9 +39,9 @@ boost::shared_ptr<AddRemoveNodeMsg> AddRemoveNodeMsg::create(AddRemoveOp::Enum o
 boost::shared_ptr<AddRemoveNodeMsg> AddRemoveNodeMsg::create(boost::shared_ptr<AddRemoveNodeMsg> const& request,
                                                              ZResult::Enum result, int timeout,
                                                              boost::shared_ptr<Device> const& device) {
+    auto const& asked = requireMessage(request);
     constexpr bool primary = false; // the request's flag is not repeated
-    return respondWithNew<AddRemoveNodeMsg>(requireMessage(request), request->operation_, request->abort_, primary,
-                                            result, timeout, device);
+    return respondWithNew<AddRemoveNodeMsg>(asked, asked.operation_, asked.abort_, primary, result, timeout, device);
 }
 
 void AddRemoveNodeMsg::accumulateDisplay(StringVecVec& rows) const {

@@ -5,6 +5,7 @@
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/hexDump.h"
+#include "zwave/libquillet/support/requireNonNull.h"
 
 namespace zorv {
 
@@ -54,10 +55,11 @@ boost::shared_ptr<CommandClassMsg> CommandClassMsg::create(unsigned char nodeId,
 }
 
 void CommandClassMsg::accumulateDisplay(StringVecVec& rows) const {
+    auto const& command = requireNonNull(command_, "command is null"); // a peer may have sent null
     displayRow(rows, "Application Data: ");
     displayRow(rows, "Source address:", sourceAddr_.address());
     displayRow(rows, "Received status:", rxStatus_);
-    hexDump(rows, command_->bytes());
+    hexDump(rows, command.bytes());
 }
 
 } // namespace zorv

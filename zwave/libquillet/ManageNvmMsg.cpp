@@ -7,6 +7,7 @@
 #include "platform/libzorvlogger/logExceptionWarning.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
+#include "zwave/libquillet/support/requireNonNull.h"
 #include "zwave/libquillet/support/respond.h"
 
 #include <boost/crc.hpp>
@@ -141,13 +142,20 @@ boost::shared_ptr<ManageNvmMsg> ManageNvmMsg::create(boost::shared_ptr<ManageNvm
     return respondWithNew<ManageNvmMsg>(asked, asked.operation_, asked.homeId_, result, percentComplete);
 }
 
+namespace {
+
+/// A peer may have sent null among the blobs.
+Blob const& requireBlob(boost::shared_ptr<Blob> const& blob) { return requireNonNull(blob, "blob is null"); }
+
+} // namespace
+
 std::uint64_t ManageNvmMsg::size() const {
     return std::accumulate(blobs_.begin(), blobs_.end(), std::uint64_t(0),
-                           [](std::uint64_t sum, auto const& blob) { return sum + blob->size(); });
+                           [](std::uint64_t sum, auto const& blob) { return sum + requireBlob(blob).size(); });
 }
 
 bool ManageNvmMsg::checkBlobs() const {
-    return std::all_of(blobs_.begin(), blobs_.end(), [](auto const& blob) { return blob->checkCrc(); });
+    return std::all_of(blobs_.begin(), blobs_.end(), [](auto const& blob) { return requireBlob(blob).checkCrc(); });
 }
 
 namespace {

@@ -106,7 +106,7 @@ public:
     unsigned int percentComplete() const noexcept { return percentComplete_; }
     BlobVec const& blobs() const noexcept { return blobs_; }
 
-    // The two below are about blobs that are there: an empty pointer among them is the caller's error.
+    // The two below throw NullPointerError "blob is null" where there is an empty pointer among the blobs.
 
     /// Sum of the blobs' sizes, decoded bytes.
     std::uint64_t size() const;

@@ -3,6 +3,7 @@
 #include "platform/libtransport/EnumTable.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
+#include "zwave/libquillet/support/requireNonNull.h"
 #include "zwave/libquillet/support/respond.h"
 
 #include <algorithm>
@@ -62,15 +63,15 @@ boost::shared_ptr<NodeInformationMsg> NodeInformationMsg::create(boost::shared_p
 
 boost::shared_ptr<NodeInformationMsg> NodeInformationMsg::create(boost::shared_ptr<NodeInformationMsg> const& request,
                                                                  GetNodesOp::Enum operation, DeviceMap const& devices) {
-    auto response =
-        respondWithNew<NodeInformationMsg>(requireMessage(request), operation, request->displayOptions_, devices);
+    auto const& asked = requireMessage(request);
+    auto response = respondWithNew<NodeInformationMsg>(asked, operation, asked.displayOptions_, devices);
     response->result(ZResult::success);
     return response;
 }
 
 boost::shared_ptr<NodeInformationMsg> NodeInformationMsg::create(boost::shared_ptr<Device> const& device) {
-    if (!device) { throw NullPointerError("device is null"); }
-    auto update = create(GetNodesOp::update, DisplayOption::none, DeviceMap{{device->address(), device}});
+    auto const& address = requireNonNull(device, "device is null").address();
+    auto update = create(GetNodesOp::update, DisplayOption::none, DeviceMap{{address, device}});
     update->result(ZResult::success);
     return update;
 }
@@ -151,7 +152,9 @@ void NodeInformationMsg::accumulateDisplay(StringVecVec& rows) const {
     addresses.reserve(devices_.size());
     for (auto const& entry : devices_) { addresses.push_back(entry.first); }
     std::sort(addresses.begin(), addresses.end());
-    for (auto const& address : addresses) { displayDevice(rows, address, *devices_.at(address)); }
+    for (auto const& address : addresses) {
+        displayDevice(rows, address, requireNonNull(devices_.at(address), "device is null"));
+    }
 }
 
 } // namespace zorv

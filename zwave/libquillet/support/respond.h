@@ -1,9 +1,8 @@
 #pragma once
 
-#include "zwave/libquillet/ZorvError.h"
-
 #include "platform/libtransport/TMessage.h"
 #include "platform/libtransport/TResult.h"
+#include "zwave/libquillet/support/requireNonNull.h"
 
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
@@ -16,8 +15,7 @@ namespace zorv {
 
 /// The request itself; NullPointerError "msg is null" where there is none.
 template <class Message> Message const& requireMessage(boost::shared_ptr<Message> const& request) {
-    if (!request) { throw NullPointerError("msg is null"); }
-    return *request;
+    return requireNonNull(request, "msg is null");
 }
 
 /// A copy of the request that answers it with `result`, for messages whose answer repeats the request's members.

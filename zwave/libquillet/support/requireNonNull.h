@@ -1,0 +1,15 @@
+#pragma once
+
+#include "zwave/libquillet/ZorvError.h"
+
+#include <boost/shared_ptr.hpp>
+
+namespace zorv {
+
+/// What the pointer points to; a NullPointerError with the text `complaint` where it is empty.
+template <class T> T& requireNonNull(boost::shared_ptr<T> const& pointer, char const* complaint) {
+    if (!pointer) { throw NullPointerError(complaint); }
+    return *pointer;
+}
+
+} // namespace zorv
