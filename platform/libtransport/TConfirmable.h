@@ -21,6 +21,7 @@ public:
     void result(TResult::Enum result) noexcept { result_ = result; }
 
     static char const* serialName() noexcept { return "zorv::TConfirmable"; }
+    static TypeDescriptor describe();
 
 private:
     struct Wire;

@@ -65,6 +65,19 @@ void TMessage::accumulateDisplay(StringVecVec& rows) const {
     addRow("Role:", role_);
 }
 
+TypeDescriptor TMessage::describe() {
+    TMessage const blank;
+    TMessage other(blank);
+    other.id_ = boost::uuids::nil_uuid();
+    other.timestamp_ = TimeStamp();
+    auto type = describeRecord(serialName(), blank, Wire::members);
+    auto const others = describeMembers(other, Wire::members);
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        if (type.members[i].defaultJson != others[i].defaultJson) { type.members[i].defaultJson.clear(); }
+    }
+    return type;
+}
+
 void TMessage::setResponse(TMessage const& request) {
     auto const requestId = request.id_;
     source_ = request.source_;

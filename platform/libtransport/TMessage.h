@@ -17,6 +17,8 @@ class tcp;
 
 namespace zorv {
 
+struct TypeDescriptor;
+
 /// Base of every message: its header, which says which message it is, since when, from whom and in answer to what.
 class ZORV_EXPORT TMessage : public Serializable, public Message, public CliViewer {
 public:
@@ -56,6 +58,9 @@ public:
     void setResponse(TMessage const& request);
 
     static char const* serialName() noexcept { return "zorv::TMessage"; }
+
+    /// The header's members; those that are drawn anew for each message have no default.
+    static TypeDescriptor describe();
 
 private:
     struct Wire;
