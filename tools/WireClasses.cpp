@@ -1,0 +1,131 @@
+#include "tools/WireClasses.h"
+
+#include "platform/libtransport/MemberTable.h"
+#include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/TConfirmable.h"
+#include "platform/libtransport/readSerializable.h"
+#include "platform/libzorvshared/Device.h"
+#include "platform/libzorvshared/RawCommand.h"
+#include "zwave/libquillet/Catalogue.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
+#include "zwave/libquillet/support/MessageDescriptor.h"
+
+#include <json/reader.h>
+
+#include <algorithm>
+#include <memory>
+#include <set>
+#include <stdexcept>
+
+namespace zorv {
+
+namespace {
+
+using Classes = std::map<std::string, WireClass>;
+
+struct Description {
+    std::string base;
+    std::vector<MemberDescriptor> members;
+};
+
+std::map<std::string, Description> describeAll() {
+    std::map<std::string, Description> all;
+    for (auto const* const message : describeCatalogue()) {
+        all[message->serialName] = {message->base, message->members};
+    }
+    all[Confirmable::serialName()] = {TConfirmable::serialName(), {}};
+    all[TConfirmable::serialName()] = {TMessage::serialName(), TConfirmable::describe().members};
+    all[TMessage::serialName()] = {"", TMessage::describe().members};
+    all[Serializable::serialName()] = {
+        "", {{"version_", "version of the class's wire form", describeType(Type<int>()), "1"}}};
+    all[Blob::serialName()] = {"", Blob::describe().members};
+    all[Device::serialName()] = {"", Device::describe().members};
+    all[RawCommand::serialName()] = {GenericCommand::serialName(), RawCommand::describe().members};
+    all[GenericCommand::serialName()] = {};
+    return all;
+}
+
+void requireDescribed(Json::Value const& frame, std::vector<MemberDescriptor> const& members) {
+    std::set<std::string> described{"__name__", "__bases__"};
+    for (auto const& member : members) { described.insert(member.key); }
+    for (auto const& key : frame.getMemberNames()) {
+        if (described.count(key) == 0) {
+            throw std::logic_error("nothing describes " + key + " of " + frame["__name__"].asString());
+        }
+    }
+}
+
+/// Adds the class that a frame shows, and those of the frames inside it.
+void add(Classes& classes, Json::Value const& frame, std::map<std::string, Description> const& all) {
+    auto const name = frame["__name__"].asString();
+    auto const& description = all.at(name);
+    requireDescribed(frame, description.members);
+    auto& entry = classes[name];
+    entry.name = name;
+    entry.base = description.base;
+    entry.members = description.members;
+    entry.frame = frame;
+    for (auto const& base : frame["__bases__"]) {
+        add(classes, base, all);
+        entry.base = base["__name__"].asString();
+    }
+}
+
+bool derivesFrom(Classes const& classes, std::string name, std::string const& base) {
+    while (name != base) {
+        auto const found = classes.find(name);
+        if (found == classes.end()) { return false; }
+        name = found->second.base;
+    }
+    return true;
+}
+
+void collect(std::map<std::string, TypeDescriptor>& types, TypeDescriptor const& type,
+             std::vector<TypeDescriptor::Kind> const& kinds) {
+    if (std::find(kinds.begin(), kinds.end(), type.kind) != kinds.end()) { types.emplace(type.name, type); }
+    for (auto const& member : type.members) { collect(types, member.type, kinds); }
+    for (auto const& element : type.elements) { collect(types, element, kinds); }
+}
+
+} // namespace
+
+Json::Value parseJson(std::string const& text) {
+    Json::Value value;
+    std::string errors;
+    std::unique_ptr<Json::CharReader> const reader(Json::CharReaderBuilder().newCharReader());
+    if (!reader->parse(text.data(), text.data() + text.size(), &value, &errors)) { throw std::runtime_error(errors); }
+    return value;
+}
+
+Classes wireClasses() {
+    auto const all = describeAll();
+    Classes classes;
+    for (auto const& name : SerialRegistry::names()) {
+        auto const object = readSerializable("{\"__name__\":\"" + name + "\"}");
+        Serializer s;
+        object->serialInserter(s);
+        add(classes, parseJson(s.str()), all);
+        classes.at(name).registered = true;
+    }
+    for (auto& entry : classes) { entry.second.isMessage = derivesFrom(classes, entry.first, TMessage::serialName()); }
+    return classes;
+}
+
+std::vector<std::string> kindsOf(Classes const& classes, std::string const& name) {
+    std::vector<std::string> kinds;
+    for (auto const& entry : classes) {
+        if (entry.second.registered && derivesFrom(classes, entry.first, name)) { kinds.push_back(entry.first); }
+    }
+    return kinds;
+}
+
+std::map<std::string, TypeDescriptor> typesOfKind(Classes const& classes,
+                                                  std::vector<TypeDescriptor::Kind> const& kinds) {
+    std::map<std::string, TypeDescriptor> types;
+    for (auto const& entry : classes) {
+        for (auto const& member : entry.second.members) { collect(types, member.type, kinds); }
+    }
+    return types;
+}
+
+} // namespace zorv

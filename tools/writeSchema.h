@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tools/WireClasses.h"
+
+#include <iosfwd>
+
+namespace zorv {
+
+/// Writes the JSON Schema (draft 2020-12) of all that the library writes.
+///
+/// Readers take more: keys in any order, absent and unknown ones.
+void writeSchema(std::ostream& os, std::map<std::string, WireClass> const& classes);
+
+} // namespace zorv

@@ -1,0 +1,25 @@
+#include "zwave/libquillet/support/typeText.h"
+
+#include "platform/libtransport/TypeDescriptor.h"
+
+namespace zorv {
+
+std::string typeText(TypeDescriptor const& type) {
+    using Kind = TypeDescriptor::Kind;
+    switch (type.kind) {
+    case Kind::boolean:
+    case Kind::integer:
+    case Kind::number:
+    case Kind::text:
+    case Kind::enumeration:
+    case Kind::openSet:
+    case Kind::record: return type.name;
+    case Kind::flagSet: return type.name + " flags";
+    case Kind::reference: return type.name + " or null";
+    case Kind::list: return "list of " + typeText(type.elements.at(0));
+    case Kind::pairs: return "pairs of " + typeText(type.elements.at(0)) + " and " + typeText(type.elements.at(1));
+    }
+    return {};
+}
+
+} // namespace zorv
