@@ -132,7 +132,7 @@ private:
 
     struct ClassHandler {
         std::function<void(MessagePtr const& message, PeerId from)> call;
-        bool answers;
+        bool answers = false;
     };
 
     template <class M>
