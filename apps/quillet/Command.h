@@ -2,9 +2,10 @@
 
 #include "apps/quillet/ExitCode.h"
 #include "apps/quillet/Output.h"
-#include "apps/quillet/Session.h"
 
+#include <chrono>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace CLI {
@@ -12,6 +13,13 @@ class App;
 } // namespace CLI
 
 namespace zorv {
+
+/// Where the daemon is. A command that needs it opens a Session.
+struct Daemon {
+    std::string host;
+    unsigned short port;
+    std::chrono::milliseconds timeout; ///< for the connection and for each answer
+};
 
 /// One subcommand: its arguments, and what it does.
 class Command {
@@ -24,15 +32,17 @@ public:
     /// Adds the subcommand, and gives back what CLI11 made of it.
     virtual CLI::App* addTo(CLI::App& app) = 0;
 
-    virtual ExitCode run(Session& session, Output& output) = 0;
+    virtual ExitCode run(Daemon const& daemon, Output& output) = 0;
 };
 
+std::unique_ptr<Command> makeNvmCommand();
 std::unique_ptr<Command> makePingCommand();
 
 /// All subcommands, in the order of the help text.
 inline std::vector<std::unique_ptr<Command>> makeCommands() {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(makePingCommand());
+    commands.push_back(makeNvmCommand());
     return commands;
 }
 

@@ -8,7 +8,7 @@ namespace zorv {
 /// What the client's exit code tells a script.
 enum class ExitCode {
     ok = 0,
-    refused = 1, ///< the daemon answered with a result that is no success
+    refused = 1, ///< the daemon answered with a result that is no success, or a checked file is not good
     usage = 2,
     noConnection = 3, ///< none could be made, or it was lost
     timedOut = 4,

@@ -17,6 +17,20 @@ void Output::show(TMessage const& message) {
     } else {
         table_.add(message);
     }
+    checkWritten();
+}
+
+void Output::show(StringVecVec const& rows, std::string const& json) {
+    errno = 0;
+    if (json_) {
+        os_ << json << std::endl;
+    } else {
+        table_.add(rows, {});
+    }
+    checkWritten();
+}
+
+void Output::checkWritten() {
     if (os_) { return; }
     if (errno == EPIPE) { throw ExitError(ExitCode::ok, ""); }
     throw ExitError(ExitCode::noOutput, std::string("cannot write the output: ") + std::strerror(errno));

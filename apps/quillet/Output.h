@@ -5,6 +5,7 @@
 #include "zwave/libquillet/Confirmable.h"
 
 #include <iosfwd>
+#include <string>
 
 namespace zorv {
 
@@ -16,10 +17,15 @@ public:
     /// Ends the command with an ExitError where the output cannot be written: without a text where nobody reads it.
     void show(TMessage const& message);
 
+    /// What is no message: its rows, or its JSON text; ends as above.
+    void show(StringVecVec const& rows, std::string const& json);
+
     /// Ends the command with an ExitError because the daemon did not understand it; the rejection is shown as JSON only.
     [[noreturn]] void showRejection(Confirmable const& rejection);
 
 private:
+    void checkWritten();
+
     std::ostream& os_;
     Table table_;
     bool json_;

@@ -1,5 +1,6 @@
 #include "apps/quillet/Command.h"
 #include "apps/quillet/Seconds.h"
+#include "apps/quillet/Session.h"
 #include "apps/quillet/parseNode.h"
 
 #include "zwave/libquillet/PingMsg.h"
@@ -43,7 +44,8 @@ public:
         return command;
     }
 
-    ExitCode run(Session& session, Output& output) override {
+    ExitCode run(Daemon const& daemon, Output& output) override {
+        Session session(daemon.host, daemon.port, daemon.timeout);
         auto const interval = toMilliseconds(interval_);
         auto code = ExitCode::ok;
         auto next = Clock::now();

@@ -2,7 +2,6 @@
 #include "apps/quillet/ExitCode.h"
 #include "apps/quillet/Output.h"
 #include "apps/quillet/Seconds.h"
-#include "apps/quillet/Session.h"
 
 #include <CLI/CLI.hpp>
 
@@ -40,9 +39,8 @@ void addTo(CLI::App& app, Options& options) {
 }
 
 ExitCode run(Options const& options, zorv::Command& command) {
-    zorv::Session session(options.host, options.port, zorv::toMilliseconds(options.timeout));
     zorv::Output output(std::cout, options.json);
-    return command.run(session, output);
+    return command.run({options.host, options.port, zorv::toMilliseconds(options.timeout)}, output);
 }
 
 } // namespace
