@@ -18,7 +18,6 @@ namespace zorv {
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 template <class T> T read(std::string const& text) {
