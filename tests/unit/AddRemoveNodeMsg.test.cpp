@@ -1,0 +1,158 @@
+#include "zwave/libquillet/AddRemoveNodeMsg.h"
+
+#include "tests/unit/errorText.h"
+#include "tests/unit/expectTexts.h"
+#include "tests/unit/golden.h"
+#include "tests/unit/ownMembers.h"
+
+#include "platform/libtransport/throwInvalidEnum.h"
+
+#include <boost/make_shared.hpp>
+
+namespace zorv {
+namespace {
+
+boost::shared_ptr<Device> const device = boost::make_shared<Device>(ZwaveAddress(0xC0FFEE01, 5), DeviceInfo());
+
+TEST(AddRemoveNodeMsg, HasTheDefaultsOfItsMembers) {
+    AddRemoveNodeMsg const message;
+    EXPECT_EQ(static_cast<int>(message.operation()), 0);
+    EXPECT_FALSE(message.abort());
+    EXPECT_FALSE(message.primary());
+    EXPECT_EQ(message.timeout(), 0);
+    EXPECT_FALSE(message.device());
+    EXPECT_EQ(static_cast<int>(message.result()), 0);
+}
+
+TEST(AddRemoveNodeMsg, TakesItsMembersInTheOrderOfTheirDeclaration) {
+    AddRemoveNodeMsg const message(AddRemoveOp::remove, true, false, ZResult::failure, -7, device);
+    EXPECT_EQ(message.operation(), AddRemoveOp::remove);
+    EXPECT_TRUE(message.abort());
+    EXPECT_FALSE(message.primary());
+    EXPECT_EQ(message.result(), ZResult::failure);
+    EXPECT_EQ(message.timeout(), -7);
+    EXPECT_EQ(message.device(), device);
+}
+
+TEST(AddRemoveNodeMsg, ReadsEveryMemberOfItsGoldenText) {
+    auto const message = readBack<AddRemoveNodeMsg>(golden("AddRemoveNodeMsg"));
+    ASSERT_TRUE(message);
+    EXPECT_EQ(message->operation(), AddRemoveOp::remove);
+    EXPECT_TRUE(message->abort());
+    EXPECT_TRUE(message->primary());
+    EXPECT_EQ(message->timeout(), 60);
+    ASSERT_TRUE(message->device());
+    EXPECT_EQ(message->device()->address(), ZwaveAddress(0xC0FFEE01, 5));
+    EXPECT_EQ(message->result(), ZResult::success);
+}
+
+TEST(AddRemoveNodeMsg, ARequestWritesThePrimaryFlagThatIsGivenLastAndNoDevice) {
+    auto const request = AddRemoveNodeMsg::create(AddRemoveOp::add, false, ZResult::inProgress, 60, true);
+    EXPECT_EQ(request->result(), ZResult::inProgress);
+    EXPECT_EQ(ownMembers<Confirmable>(*request),
+              R"(,"operation_":"add","abort_":false,"primary_":true,"timeout_":60,"device_":null})");
+}
+
+TEST(AddRemoveNodeMsg, ItsResponseRepeatsOperationAndAbortButNeitherThePrimaryFlagNorTheTimeout) {
+    auto const request = AddRemoveNodeMsg::create(AddRemoveOp::add, false, ZResult::none, 60, true);
+    auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 90, device);
+    EXPECT_EQ(response->result(), ZResult::success);
+    EXPECT_EQ(ownMembers<Confirmable>(*response),
+              R"(,"operation_":"add","abort_":false,"primary_":false,"timeout_":90,"device_":)" + wireText(*device) +
+                  "}");
+}
+
+TEST(AddRemoveNodeMsg, TheResponseToAnAbortIsOneToo) {
+    auto const request = AddRemoveNodeMsg::create(AddRemoveOp::remove, true, ZResult::none, 60, false);
+    auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 0, nullptr);
+    EXPECT_TRUE(response->abort());
+    EXPECT_EQ(response->operation(), AddRemoveOp::remove);
+    EXPECT_FALSE(response->device());
+}
+
+TEST(AddRemoveNodeMsg, ItsResponseAnswersTheRequest) {
+    auto const request = AddRemoveNodeMsg::create(AddRemoveOp::add, false, ZResult::none, 60, true);
+    auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 90, device);
+    EXPECT_EQ(response->correlation(), request->id());
+    EXPECT_NE(response->id(), request->id());
+}
+
+TEST(AddRemoveNodeMsg, NothingAnswersAnEmptyRequest) {
+    EXPECT_EQ(errorText<NullPointerError>([] { AddRemoveNodeMsg::create(nullptr, ZResult::success, 90, device); }),
+              "msg is null");
+}
+
+TEST(AddRemoveNodeMsg, SharesItsDeviceWithItsClone) {
+    AddRemoveNodeMsg const message(AddRemoveOp::add, false, false, ZResult::none, 0, device);
+    auto const clone = boost::dynamic_pointer_cast<AddRemoveNodeMsg>(message.clone());
+    ASSERT_TRUE(clone);
+    EXPECT_EQ(clone->device().get(), device.get());
+}
+
+TEST(AddRemoveNodeMsg, AddsNoRowsWithoutADevice) {
+    StringVecVec rows{{"before"}};
+    AddRemoveNodeMsg().accumulateDisplay(rows);
+    EXPECT_EQ(rows, (StringVecVec{{"before"}}));
+}
+
+TEST(AddRemoveNodeMsg, AddsTheRowsOfItsDevice) {
+    StringVecVec expected;
+    device->accumulateDisplay(expected);
+    StringVecVec rows;
+    AddRemoveNodeMsg(AddRemoveOp::add, false, false, ZResult::none, 0, device).accumulateDisplay(rows);
+    EXPECT_EQ(rows, expected);
+    EXPECT_EQ(rows[0], (std::vector<std::string>{"Address:", "c0ffee01:5"}));
+}
+
+TEST(AddRemoveNodeMsg, ReadsTheOperationInvalid) {
+    auto const message = readBack<AddRemoveNodeMsg>(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"invalid"})");
+    ASSERT_TRUE(message);
+    EXPECT_EQ(static_cast<int>(message->operation()), 0);
+}
+
+TEST(AddRemoveNodeMsg, DoesNotReadAnOperationInOtherLetterCase) {
+    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"Add"})"),
+              (Refusal{"InvalidEnumError", "invalid AddRemoveOp text \"Add\""}));
+}
+
+TEST(AddRemoveNodeMsg, ReproducesEveryMemberWithAnEmptyDeviceToo) {
+    AddRemoveNodeMsg const message(AddRemoveOp::remove, true, true, ZResult::timeout, 2147483647, nullptr);
+    auto const rebuilt = readBack<AddRemoveNodeMsg>(wireText(message));
+    ASSERT_TRUE(rebuilt);
+    EXPECT_FALSE(rebuilt->device());
+    EXPECT_EQ(wireText(*rebuilt), wireText(message));
+}
+
+TEST(AddRemoveNodeMsg, IsLeftWithoutADeviceByAnObjectOfAnotherClass) {
+    auto const message = readBack<AddRemoveNodeMsg>(
+        R"({"__name__":"zorv::AddRemoveNodeMsg","device_":{"__name__":"zorv::RawCommand","data_":[]}})");
+    ASSERT_TRUE(message);
+    EXPECT_FALSE(message->device());
+}
+
+TEST(AddRemoveOp, HasItsThreeTexts) { expectTexts<AddRemoveOp::Enum>({"invalid", "add", "remove"}); }
+
+TEST(AddRemoveOp, ParsesAddToOneButNeitherCapitalsNorAnEmptyText) {
+    EXPECT_EQ(static_cast<int>(AddRemoveOp::toEnum("add")), 1);
+    EXPECT_EQ(errorText<InvalidEnumError>([] { AddRemoveOp::toEnum("ADD"); }), "invalid AddRemoveOp text \"ADD\"");
+    EXPECT_EQ(errorText<InvalidEnumError>([] { AddRemoveOp::toEnum(""); }), "invalid AddRemoveOp text \"\"");
+}
+
+TEST(AddRemoveOp, ParsesOnlyTheFirstOfTwoWords) { EXPECT_EQ(AddRemoveOp::toEnum("add remove"), AddRemoveOp::add); }
+
+TEST(AddRemoveOp, HasNoTextForSeven) {
+    EXPECT_EQ(errorText<InvalidEnumError>([] { AddRemoveOp::toString(static_cast<AddRemoveOp::Enum>(7)); }),
+              "invalid AddRemoveOp value 7");
+}
+
+TEST(AddRemoveOp, WritesNothingForANumberThatItDoesNotHave) {
+    std::ostringstream os;
+    os << "before ";
+    EXPECT_THROW(os << static_cast<AddRemoveOp::Enum>(3), InvalidEnumError);
+    EXPECT_EQ(os.str(), "before ");
+}
+
+TEST(AddRemoveOp, IsTwoHexDigits) { EXPECT_EQ(AddRemoveOp::toHex(AddRemoveOp::remove), "02"); }
+
+} // namespace
+} // namespace zorv
