@@ -1,0 +1,108 @@
+#include "tests/scenario/Process.h"
+#include "tests/unit/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace scenario;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+std::string const routes = R"({"name_":"routes","offset_":4096,"size_":4,"crc_":4065733082,"contents_":"AQIDBA=="})";
+std::string const flipped = R"({"name_":"flipped","offset_":1,"size_":4,"crc_":4065733082,"contents_":"AQIDBQ=="})";
+
+class NvmCheck : public testing::Test {
+protected:
+    /// Runs the check on a file, where no daemon listens.
+    int check(std::string const& file, std::vector<std::string> const& more = {}) {
+        auto command = clientCommand(1, {"nvm", "check", file});
+        command.insert(command.end(), more.begin(), more.end());
+        Process client(command);
+        auto const code = client.wait();
+        lines_ = client.restOfOutput();
+        errors_ = client.errors();
+        return code;
+    }
+
+    zorv::TemporaryDirectory directory_;
+    std::vector<std::string> lines_;
+    std::string errors_;
+};
+
+TEST_F(NvmCheck, ShowsWhatAGoodBackupHolds) {
+    EXPECT_EQ(check(QUILLET_GOLDEN_DIR "/ManageNvmMsg.json"), 0);
+    EXPECT_THAT(lines_, ElementsAre("Result:   success",                            //
+                                    "Home id:  c0ffee01",                           //
+                                    "Blob      Offset    Size  Checksum  Contents", //
+                                    "routes    4096      4     holds     good",     //
+                                    "nodes     8192      9     holds     good",     //
+                                    "Total               13"));
+    EXPECT_EQ(errors_, "");
+}
+
+TEST_F(NvmCheck, FindsAFlippedCharacter) {
+    EXPECT_EQ(check(directory_.write("backup.json", "[" + routes + "," + flipped + "]")), 1);
+    EXPECT_THAT(lines_, ElementsAre("Result:   success",                            //
+                                    "Home id:  00000000",                           //
+                                    "Blob      Offset    Size  Checksum  Contents", //
+                                    "routes    4096      4     holds     good",     //
+                                    "flipped   1         4     differs",            //
+                                    "Total               8"));
+    EXPECT_THAT(errors_, HasSubstr("crc mismatch, the blob flipped is corrupt"));
+}
+
+TEST_F(NvmCheck, FindsContentsThatCannotBeRestoredUnderAChecksumThatHolds) {
+    auto const path = directory_.write(
+        "backup.json", R"([{"name_":"digits","offset_":0,"size_":9,"crc_":3421780262,"contents_":"123456789"},)"
+                       R"({"name_":"short","offset_":9,"size_":5,"crc_":4065733082,"contents_":"AQIDBA=="}])");
+    EXPECT_EQ(check(path), 1);
+    EXPECT_THAT(lines_, ElementsAre("Result:   success",                              //
+                                    "Home id:  00000000",                             //
+                                    "Blob      Offset    Size  Checksum  Contents",   //
+                                    "digits    0         9     holds     not base64", //
+                                    "short     9         5     holds     4 bytes",    //
+                                    "Total               14"));
+}
+
+TEST_F(NvmCheck, TakesAnEmptyBlobForGood) {
+    EXPECT_EQ(
+        check(directory_.write("backup.json", R"({"name_":"empty","offset_":0,"size_":0,"crc_":0,"contents_":""})")),
+        0);
+}
+
+TEST_F(NvmCheck, SaysWhyAFileIsNoBackup) {
+    EXPECT_EQ(check(directory_.path("none.json")), 1);
+    EXPECT_THAT(lines_, ElementsAre("Result:   fileNotFound", "Home id:  00000000", "Total                   0"));
+    EXPECT_THAT(errors_, HasSubstr("input file does not exist " + directory_.path("none.json")));
+
+    EXPECT_EQ(check(directory_.write("backup.json", R"({"homeId_":1})")), 1);
+    EXPECT_THAT(lines_, ElementsAre("Result:   noBlobs", "Home id:  00000001", "Total               0"));
+
+    EXPECT_EQ(check(directory_.path()), 1);
+    EXPECT_THAT(lines_, ElementsAre("Result:   fileReadFailure", "Home id:  00000000", "Total                      0"));
+}
+
+TEST_F(NvmCheck, IsOneJsonObjectWhereAsked) {
+    auto const path = directory_.write("backup.json", R"([{"homeId_":5},)" + routes + "," + flipped + "]");
+    EXPECT_EQ(check(path, {"--json"}), 1);
+    EXPECT_THAT(lines_,
+                ElementsAre(R"({"blobs":[{"checksumHolds":true,"good":true,"name":"routes","offset":4096,"size":4},)"
+                            R"({"checksumHolds":false,"good":false,"name":"flipped","offset":1,"size":4}],"file":")" +
+                            path + R"(","good":false,"homeId":5,"result":"success","size":8})"));
+
+    EXPECT_EQ(check(QUILLET_GOLDEN_DIR "/ManageNvmMsg.json", {"--json"}), 0);
+    EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("good":true,"homeId":3237998081,"result":"success","size":13})")));
+}
+
+TEST_F(NvmCheck, NeedsAFile) {
+    EXPECT_EQ(Process({program("quillet"), "nvm", "check"}).wait(), 2);
+    EXPECT_EQ(Process({program("quillet"), "nvm"}).wait(), 2);
+}
+
+} // namespace
