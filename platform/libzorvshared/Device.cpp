@@ -1,9 +1,7 @@
 #include "platform/libzorvshared/Device.h"
 
-#include "platform/libtransport/MemberTable.h"
+#include "platform/libtransport/FramedOfImpl.h"
 #include "transport/displayRow.h"
-
-#include <memory>
 
 namespace zorv {
 
@@ -23,6 +21,8 @@ struct Device::Wire {
         member("configErrors_", &Device::configErrors_, "number of failed steps of the interview"));
 };
 
+template class FramedOf<Device>;
+
 void Device::accumulateDisplay(StringVecVec& rows) const {
     displayRow(rows, "Address:", address_.address());
     deviceInfo_.accumulateDisplay(rows);
@@ -34,17 +34,5 @@ void Device::accumulateDisplay(StringVecVec& rows) const {
     displayRow(rows, "Command classes:", commandClasses_.size());
     displayRow(rows, "Configuration errors:", configErrors_);
 }
-
-void Device::serialInserter(Serializer& s) const { insertFrame<NoBase>(s, serialName(), *this, Wire::members); }
-
-void Device::serialExtract(Serializer& s) { extractFrame<NoBase>(s, *this, Wire::members); }
-
-Serializable* Device::serialFactory(Serializer& s, Serializable* target) {
-    return extractOrMake(s, target, &std::make_unique<Device>);
-}
-
-char const* Device::serialName() noexcept { return registrar.serialName().c_str(); }
-
-TypeDescriptor Device::describe() { return describeRecord(NAME, Device(), Wire::members); }
 
 } // namespace zorv

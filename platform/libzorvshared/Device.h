@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/libtransport/FramedOf.h"
 #include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libzorvshared/CommandClassInfo.h"
 #include "platform/libzorvshared/CommandClassType.h"
@@ -22,14 +23,13 @@ namespace zorv {
 using CommandClassMap = std::map<CommandClassType::Enum, CommandClassInfo>;
 
 /// One node of the network, as the daemon knows it.
-class ZORV_EXPORT Device : public Serializable, public CliViewer, public boost::enable_shared_from_this<Device> {
+class ZORV_EXPORT Device : public FramedOf<Device>, public CliViewer, public boost::enable_shared_from_this<Device> {
 public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
 
-    Device() : Serializable(1) {}
-    Device(ZwaveAddress const& address, DeviceInfo const& deviceInfo)
-        : Serializable(1), address_(address), deviceInfo_(deviceInfo) {}
+    Device() = default;
+    Device(ZwaveAddress const& address, DeviceInfo const& deviceInfo) : address_(address), deviceInfo_(deviceInfo) {}
 
     ZwaveAddress const& address() const noexcept { return address_; }
     DeviceInfo const& deviceInfo() const noexcept { return deviceInfo_; }
@@ -64,13 +64,8 @@ public:
     /// Appends all that is known of the node as rows of a label and a value; of its command classes, their number.
     void accumulateDisplay(StringVecVec& rows) const override;
 
-    void serialInserter(Serializer& s) const override;
-    void serialExtract(Serializer& s) override;
-    static Serializable* serialFactory(Serializer& s, Serializable* target);
-    static char const* serialName() noexcept;
-    static TypeDescriptor describe();
-
 private:
+    friend FramedOf;
     struct Wire;
 
     ZwaveAddress address_;
@@ -83,5 +78,7 @@ private:
     CommandClassMap commandClasses_;
     int configErrors_ = 0;
 };
+
+extern template class FramedOf<Device>;
 
 } // namespace zorv

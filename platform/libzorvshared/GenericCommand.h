@@ -10,7 +10,7 @@ namespace zorv {
 /// A command of a command class, as nodes exchange them: the application data of one frame.
 class ZORV_EXPORT GenericCommand : public Serializable {
 public:
-    GenericCommand() noexcept : Serializable(1) {}
+    explicit GenericCommand(int version) noexcept : Serializable(version) {}
 
     /// The encoded command: command class, command, parameters.
     virtual std::vector<unsigned char> bytes() const = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/libtransport/FramedOf.h"
 #include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libzorvshared/GenericCommand.h"
 
@@ -7,10 +8,8 @@
 
 namespace zorv {
 
-struct TypeDescriptor;
-
 /// A command that is kept as the bytes in which it was received, or is to be sent.
-class ZORV_EXPORT RawCommand : public GenericCommand {
+class ZORV_EXPORT RawCommand : public FramedOf<RawCommand, GenericCommand> {
 public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
@@ -20,16 +19,13 @@ public:
 
     std::vector<unsigned char> bytes() const override { return data_; }
 
-    void serialInserter(Serializer& s) const override;
-    void serialExtract(Serializer& s) override;
-    static Serializable* serialFactory(Serializer& s, Serializable* target);
-    static char const* serialName() noexcept;
-    static TypeDescriptor describe();
-
 private:
+    friend FramedOf;
     struct Wire;
 
     std::vector<unsigned char> data_; // command class, command, parameters
 };
+
+extern template class FramedOf<RawCommand, GenericCommand>;
 
 } // namespace zorv
