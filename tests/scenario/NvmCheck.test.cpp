@@ -46,6 +46,8 @@ TEST_F(NvmCheck, ShowsWhatAGoodBackupHolds) {
     EXPECT_EQ(errors_, "");
 }
 
+TEST_F(NvmCheck, TakesTheExampleForGood) { EXPECT_EQ(check(QUILLET_SOURCE_DIR "/examples/nvm-backup.json"), 0); }
+
 TEST_F(NvmCheck, FindsAFlippedCharacter) {
     EXPECT_EQ(check(directory_.write("backup.json", "[" + routes + "," + flipped + "]")), 1);
     EXPECT_THAT(lines_, ElementsAre("Result:   success",                            //
