@@ -5,19 +5,15 @@
 #include "platform/libtransport/SerialRegistrar.h"
 
 #include <memory>
-#include <type_traits>
 
 namespace zorv {
 
-/// The base whose frame stands in the frame of a class with this base.
-template <class Base> using FramedBase = std::conditional_t<std::is_same_v<Base, Serializable>, NoBase, Base>;
-
 template <class Self, class Base> void FramedOf<Self, Base>::serialInserter(Serializer& s) const {
-    insertFrame<FramedBase<Base>>(s, serialName(), static_cast<Self const&>(*this), Self::Wire::members);
+    insertFrame<Base>(s, serialName(), static_cast<Self const&>(*this), Self::Wire::members);
 }
 
 template <class Self, class Base> void FramedOf<Self, Base>::serialExtract(Serializer& s) {
-    extractFrame<FramedBase<Base>>(s, static_cast<Self&>(*this), Self::Wire::members);
+    extractFrame<Base>(s, static_cast<Self&>(*this), Self::Wire::members);
 }
 
 template <class Self, class Base>

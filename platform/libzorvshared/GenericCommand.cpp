@@ -4,8 +4,10 @@
 
 namespace zorv {
 
-void GenericCommand::serialInserter(Serializer& s) const { insertFrame<NoBase>(s, serialName(), *this, std::tuple()); }
+void GenericCommand::serialInserter(Serializer& s) const {
+    insertFrame<Serializable>(s, serialName(), *this, std::tuple());
+}
 
-void GenericCommand::serialExtract(Serializer& s) { extractFrame<NoBase>(s, *this, std::tuple()); }
+void GenericCommand::serialExtract(Serializer& s) { extractFrame<Serializable>(s, *this, std::tuple()); }
 
 } // namespace zorv

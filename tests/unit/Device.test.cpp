@@ -60,13 +60,14 @@ TEST(Device, ReadsEveryMemberOfItsGoldenText) {
 }
 
 TEST(Device, IsEmptyByDefault) {
-    EXPECT_EQ(wireText(Device()),
-              R"({"__name__":"zorv::Device","__bases__":[],"address_":{"homeId_":0,"nodeId_":0},)"
-              R"("deviceInfo_":{"manufacturer_":{"manufacturerId_":"unknown","productType_":0,"productId_":0},)"
-              R"("protocolInfo_":{"capability_":"none|version0","security_":"none","basicDeviceType_":"unknown",)"
-              R"("genericDeviceType_":"unknown","specificDeviceType_":"notUsed"},"isSlave_":false,"isVirtual_":false},)"
-              R"("deviceNetworkStatus_":"unknown","deviceStatus_":"unknown","deviceLights_":"unknown",)"
-              R"("securityStatus_":"unknown","wakeStatus_":"unknown","commandClasses_":[],"configErrors_":0})");
+    EXPECT_EQ(
+        wireText(Device()),
+        R"({"__name__":"zorv::Device","__bases__":[{"__name__":"zorv::Serializable","__bases__":[],"version_":1}],"address_":{"homeId_":0,"nodeId_":0},)"
+        R"("deviceInfo_":{"manufacturer_":{"manufacturerId_":"unknown","productType_":0,"productId_":0},)"
+        R"("protocolInfo_":{"capability_":"none|version0","security_":"none","basicDeviceType_":"unknown",)"
+        R"("genericDeviceType_":"unknown","specificDeviceType_":"notUsed"},"isSlave_":false,"isVirtual_":false},)"
+        R"("deviceNetworkStatus_":"unknown","deviceStatus_":"unknown","deviceLights_":"unknown",)"
+        R"("securityStatus_":"unknown","wakeStatus_":"unknown","commandClasses_":[],"configErrors_":0})");
 }
 
 TEST(Device, KeepsTheDefaultsOfAllThatIsAbsent) { EXPECT_EQ(wireText(*readBlank<Device>()), wireText(Device())); }

@@ -23,7 +23,8 @@ TEST(RawCommand, IsAGenericCommandThatGivesTheBytesAsTheyAre) {
 
 TEST(RawCommand, MayBeEmpty) {
     EXPECT_EQ(wireText(RawCommand()),
-              R"({"__name__":"zorv::RawCommand","__bases__":[{"__name__":"zorv::GenericCommand","__bases__":[]}],)"
+              R"({"__name__":"zorv::RawCommand","__bases__":[{"__name__":"zorv::GenericCommand",)"
+              R"("__bases__":[{"__name__":"zorv::Serializable","__bases__":[],"version_":1}]}],)"
               R"("data_":[]})");
     EXPECT_TRUE(readBlank<RawCommand>()->bytes().empty());
 }
