@@ -35,6 +35,9 @@ public:
     virtual ExitCode run(Daemon const& daemon, Output& output) = 0;
 };
 
+std::unique_ptr<Command> makeCatalogueCommand();
+std::unique_ptr<Command> makeDecodeCommand();
+std::unique_ptr<Command> makeExampleCommand();
 std::unique_ptr<Command> makeNvmCommand();
 std::unique_ptr<Command> makePingCommand();
 
@@ -43,6 +46,9 @@ inline std::vector<std::unique_ptr<Command>> makeCommands() {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(makePingCommand());
     commands.push_back(makeNvmCommand());
+    commands.push_back(makeCatalogueCommand());
+    commands.push_back(makeDecodeCommand());
+    commands.push_back(makeExampleCommand());
     return commands;
 }
 

@@ -53,7 +53,7 @@ void Session::pause(std::chrono::milliseconds duration) {
 /// Runs the loop until what was started before has its outcome.
 void Session::wait() {
     loop_.run();
-    if (end_) { throw *end_; }
+    if (end_) { throw ExitError(*end_); }
 }
 
 void Session::end(ExitCode code, std::string const& text) {

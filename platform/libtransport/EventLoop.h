@@ -46,6 +46,8 @@ public:
     Timer(EventLoop& loop, std::chrono::milliseconds delay, std::function<void()> work);
     ~Timer() { cancel(); }
 
+    Timer(Timer const&) = delete;
+    Timer& operator=(Timer const&) = delete;
     Timer(Timer&& other) noexcept = default;
     Timer& operator=(Timer&& other) noexcept;
 

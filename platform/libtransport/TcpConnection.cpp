@@ -169,7 +169,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
     State state = State::open;
     bool abandoned = false; // nobody wants to hear of this connection any more
     bool flushing = false;  // `writing` is on its way or will be soon
-    std::array<char, chunkSize> chunk;
+    std::array<char, chunkSize> chunk{};
     std::string partial; // the line that is being read
     std::string queued;
     std::string writing;

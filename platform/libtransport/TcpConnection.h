@@ -48,6 +48,8 @@ public:
     /// Ends the connection; no handler is called any more.
     ~TcpConnection();
 
+    TcpConnection(TcpConnection const&) = delete;
+    TcpConnection& operator=(TcpConnection const&) = delete;
     TcpConnection(TcpConnection&&) noexcept = default;
     TcpConnection& operator=(TcpConnection&&) = delete;
 

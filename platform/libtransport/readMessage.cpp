@@ -62,7 +62,7 @@ BadMessageError::BadMessageError(std::string const& complaint, boost::shared_ptr
 boost::shared_ptr<TMessage> readMessage(std::string const& text) {
     std::string complaint = "not a message";
     try {
-        auto const message = boost::dynamic_pointer_cast<TMessage>(readSerializable(text));
+        auto message = boost::dynamic_pointer_cast<TMessage>(readSerializable(text));
         if (message) { return message; }
     } catch (std::exception const& error) { complaint = toLogText(error.what()); }
     throw BadMessageError(complaint, readHeader(text));
