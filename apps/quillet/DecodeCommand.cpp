@@ -1,0 +1,90 @@
+#include "apps/quillet/Command.h"
+
+#include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/readMessage.h"
+#include "transport/displayRow.h"
+#include "zwave/libquillet/Catalogue.h"
+#include "zwave/libquillet/support/MessageDescriptor.h"
+
+#include <CLI/CLI.hpp>
+#include <json/reader.h>
+#include <json/value.h>
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace zorv {
+
+namespace {
+
+std::string wireText(TMessage const& message) {
+    Serializer s;
+    message.serialInserter(s);
+    return s.str();
+}
+
+/// The message's own rows; none where it shows itself only by its header, or cannot show what it holds.
+StringVecVec tableOf(TMessage const& message) {
+    StringVecVec rows;
+    StringVecVec header;
+    try {
+        message.accumulateDisplay(rows);
+        message.TMessage::accumulateDisplay(header);
+    } catch (std::exception const&) { return {}; }
+    return rows == header ? StringVecVec() : rows;
+}
+
+/// A title, the result and the members of the message's class, with their values as they are written.
+StringVecVec membersOf(TMessage const& message) {
+    Json::Value frame;
+    auto const text = wireText(message);
+    std::unique_ptr<Json::CharReader> const reader(Json::CharReaderBuilder().newCharReader());
+    reader->parse(text.data(), text.data() + text.size(), &frame, nullptr);
+    auto const asWritten = [&text](Json::Value const& value) {
+        auto const start = static_cast<std::size_t>(value.getOffsetStart());
+        return text.substr(start, static_cast<std::size_t>(value.getOffsetLimit()) - start);
+    };
+
+    StringVecVec rows;
+    displayRow(rows, message.name() + ':');
+    auto const* const confirmable = dynamic_cast<TConfirmable const*>(&message);
+    if (confirmable != nullptr) { displayRow(rows, "result_", '"' + toString(confirmable->result()) + '"'); }
+    for (auto const* const descriptor : describeCatalogue()) {
+        if (descriptor->serialName != frame[Serializer::name].asString()) { continue; }
+        for (auto const& member : descriptor->members) { displayRow(rows, member.key, asWritten(frame[member.key])); }
+    }
+    return rows;
+}
+
+/// Shows the messages that come on standard input, one line each; a line that is none is told, and the rest goes on.
+class DecodeCommand final : public Command {
+public:
+    CLI::App* addTo(CLI::App& app) override {
+        return app.add_subcommand("decode", "Show the messages that come on standard input as lines of JSON");
+    }
+
+    ExitCode run(Daemon const&, Output& output) override {
+        auto code = ExitCode::ok;
+        std::size_t number = 0;
+        for (std::string line; std::getline(std::cin, line);) {
+            ++number;
+            if (line.find_first_not_of(" \t\r") == std::string::npos) { continue; }
+            try {
+                auto const message = readMessage(line);
+                auto const table = tableOf(*message);
+                output.show(table.empty() ? membersOf(*message) : table, wireText(*message));
+            } catch (BadMessageError const& error) {
+                std::cerr << "quillet: line " << number << ": " << error.what() << std::endl;
+                code = ExitCode::protocolError;
+            }
+        }
+        return code;
+    }
+};
+
+} // namespace
+
+std::unique_ptr<Command> makeDecodeCommand() { return std::make_unique<DecodeCommand>(); }
+
+} // namespace zorv

@@ -1,0 +1,47 @@
+#include "apps/quillet/Command.h"
+#include "apps/quillet/findMessage.h"
+
+#include "platform/libtransport/Serializable.h"
+#include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/readSerializable.h"
+#include "zwave/libquillet/support/MessageDescriptor.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <string>
+
+namespace zorv {
+
+namespace {
+
+/// Prints a message with every member at its default, as one line of JSON.
+class ExampleCommand final : public Command {
+public:
+    CLI::App* addTo(CLI::App& app) override {
+        auto* const command = app.add_subcommand("example", "Print a message with every member at its default");
+        command->add_option("CLASS", name_, "Message to print, such as PingMsg")
+            ->required()
+            ->type_name("")
+            ->check(CLI::Validator(&complaintAboutMessage, ""));
+        return command;
+    }
+
+    ExitCode run(Daemon const&, Output& output) override {
+        Serializer request;
+        request << opencurly << Serializer::name << colon << findMessage(name_).serialName << closecurly;
+        Serializer example;
+        readSerializable(request.str())->serialInserter(example);
+        output.show({{example.str()}}, example.str());
+        return ExitCode::ok;
+    }
+
+private:
+    std::string name_;
+};
+
+} // namespace
+
+std::unique_ptr<Command> makeExampleCommand() { return std::make_unique<ExampleCommand>(); }
+
+} // namespace zorv

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace zorv {
+
+struct MessageDescriptor;
+
+/// The message of the catalogue with that name, "PingMsg" or "zorv::PingMsg"; a std::invalid_argument where there is
+/// none.
+MessageDescriptor const& findMessage(std::string const& name);
+
+/// What the command line says to such a name: nothing where it is good.
+std::string complaintAboutMessage(std::string const& name);
+
+} // namespace zorv
