@@ -77,7 +77,7 @@ template <class T> Serializer& operator>>(Serializer& s, boost::shared_ptr<T>& p
     }
     std::unique_ptr<Serializable> object(s.deserialize());
     auto* const narrowed = dynamic_cast<T*>(object.get());
-    if (narrowed != nullptr) { object.release(); }
+    if (narrowed != nullptr) { static_cast<void>(object.release()); } // the pointer below owns it
     pointer.reset(narrowed);
     return s;
 }
