@@ -21,7 +21,7 @@ namespace ReceivedStatus {
 
 enum Enum : int {
     routedBusy = 0x01,    ///< a routed frame met a busy node
-    lowPower = 0x02,      ///< the frame was sent at low power
+    lowPower = 0x02,      ///< the frame came at low power
     frameCastMask = 0x0C, ///< the FrameCast
     explore = 0x10,       ///< an explorer frame
     foreignFrame = 0x40   ///< the frame belongs to another network
