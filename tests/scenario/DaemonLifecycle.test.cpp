@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -95,6 +96,22 @@ protected:
 
     zorv::TemporaryDirectory directory_;
 };
+
+TEST_F(NetworkFile, ThatTheDocumentationShowsIsRead) {
+    std::ifstream in(QUILLET_SOURCE_DIR "/docs/daemon.md");
+    std::string text;
+    bool inside = false;
+    for (std::string line; std::getline(in, line);) {
+        inside = inside || line == "    {";
+        if (inside) { text += line + "\n"; }
+        if (line == "    }") { break; }
+    }
+    ASSERT_NE("", text);
+    DaemonProcess const daemon({"--network", directory_.write("net.json", text)});
+    EXPECT_EQ(1, Process(clientCommand(daemon.port(), {"ping", "8"})).wait());
+    EXPECT_EQ(0, Process(clientCommand(daemon.port(), {"ping", "2"})).wait());
+    EXPECT_EQ(1, Process(clientCommand(daemon.port(), {"ping", "3"})).wait());
+}
 
 TEST_F(NetworkFile, ThatIsNotThereIsNamed) {
     Process daemon({program("zwaved"), "--network", directory_.path("none.json")});

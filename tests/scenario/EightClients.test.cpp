@@ -4,12 +4,9 @@
 #include "tests/scenario/runLoop.h"
 #include "zwave/libquillet/PingMsg.h"
 
-#include <boost/make_shared.hpp>
-
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fstream>
 #include <memory>
 #include <set>
 #include <string>
