@@ -13,7 +13,7 @@ namespace {
 
 using boost::gregorian::date;
 
-constexpr std::int64_t msPerDay = 24 * 60 * 60 * 1000;
+constexpr std::int64_t msPerDay = std::int64_t{24} * 60 * 60 * 1000;
 constexpr char const* form = "0000-00-00T00:00:00.000Z";
 
 // Boost's dates do not end in 2038 where time_t has 32 bits.
@@ -48,7 +48,7 @@ TimeStamp TimeStamp::parse(std::string const& text) {
         try {
             auto const days = (date(part(0, 4), part(5, 2), part(8, 2)) - start()).days();
             auto const seconds = (number(text, 11, 2) * 60 + number(text, 14, 2)) * 60 + number(text, 17, 2);
-            return TimeStamp(days * msPerDay + seconds * 1000 + number(text, 20, 3));
+            return TimeStamp(days * msPerDay + std::int64_t{seconds} * 1000 + number(text, 20, 3));
         } catch (std::out_of_range const&) { // a day that no calendar has
         }
     }
