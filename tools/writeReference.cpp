@@ -75,24 +75,24 @@ void writeMembers(std::ostream& os, std::vector<MemberDescriptor> const& members
     }
 }
 
-/// The comment of a class in its header, on one line.
+/// The first paragraph of a class's comment in one of the headers, on one line.
 std::string classComment(std::string const& className, std::vector<std::string> const& headers) {
-    std::string const opening = "/// ";
+    std::string const opening = "///";
     for (auto const& header : headers) {
         std::ifstream file(header);
         std::string comment;
+        bool isFirstParagraph = true;
         for (std::string line; std::getline(file, line);) {
-            if (boost::algorithm::starts_with(line, "///")) {
-                comment += (comment.empty() ? "" : " ") + (line.size() > 3 ? line.substr(opening.size()) : "");
+            if (boost::algorithm::starts_with(line, opening)) {
+                isFirstParagraph = isFirstParagraph && line != opening;
+                if (isFirstParagraph) { comment += line.substr(comment.empty() ? opening.size() + 1 : opening.size()); }
                 continue;
             }
             bool const isClass = boost::algorithm::starts_with(line, "class ") &&
                                  (line + ' ').find(' ' + className + ' ') != std::string::npos;
-            if (isClass && !comment.empty()) {
-                boost::algorithm::replace_all(comment, "  ", " ");
-                return comment;
-            }
+            if (isClass && !comment.empty()) { return comment; }
             comment.clear();
+            isFirstParagraph = true;
         }
     }
     throw std::runtime_error("no comment at class " + className);
