@@ -22,6 +22,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <fstream>
 #include <new>
 #include <string>
@@ -549,6 +550,24 @@ TEST_F(ReadBackup, PrefersTheLaterHomeIdInTheOrderOfMemberNames) {
     EXPECT_THAT(log_.lines(), ElementsAre(preferring + "5"));
 }
 
+TEST_F(ReadBackup, PrefersTheLastOfTwoOrThreeHomeIdsInWhateverOrder) {
+    auto const readIds = [this](std::vector<std::string> const& ids) {
+        std::string text = "[" + goodBlob;
+        for (auto const& id : ids) { text += R"(,{"homeId_":)" + id + "}"; }
+        log_.clear();
+        EXPECT_EQ(read(text + "]"), ZResult::success);
+        return message_.homeId();
+    };
+    EXPECT_EQ(readIds({"5", "6"}), 6U);
+    EXPECT_THAT(log_.lines(), ElementsAre(preferring + "6"));
+    EXPECT_EQ(readIds({"6", "5"}), 5U);
+    EXPECT_THAT(log_.lines(), ElementsAre(preferring + "5"));
+    EXPECT_EQ(readIds({"5", "6", "4294967295"}), 4294967295U);
+    EXPECT_THAT(log_.lines(), ElementsAre(preferring + "6", preferring + "4294967295"));
+    EXPECT_EQ(readIds({"4294967295", "6", "5"}), 5U);
+    EXPECT_THAT(log_.lines(), ElementsAre(preferring + "6", preferring + "5"));
+}
+
 TEST_F(ReadBackup, IgnoresTheHomeIdOfABlob) {
     EXPECT_EQ(read(R"([{"homeId_":6},{"homeId_":5,)" + goodBlob.substr(1) + "]"), ZResult::success);
     EXPECT_EQ(message_.homeId(), 6U);
@@ -695,8 +714,9 @@ TEST_F(ReadBackup, OfAPipeWaitsForWhatItsWriterHasToSay) {
         ::close(ends[1]);
     });
     EXPECT_EQ(message_.read("/dev/fd/" + std::to_string(ends[0])), ZResult::success);
+    std::signal(SIGPIPE, SIG_IGN);
+    ::close(ends[0]); // ends a writer that still has something to say
     writer.join();
-    ::close(ends[0]);
     EXPECT_TRUE(written);
     EXPECT_EQ(message_.size(), 1'000'000U);
     EXPECT_TRUE(message_.checkBlobs());
