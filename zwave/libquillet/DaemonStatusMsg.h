@@ -38,6 +38,8 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 
 /// Whether the daemon is usable, and what is wrong where it is not. A client asks with a default message; the daemon
 /// answers, and announces each change on its own.
+///
+/// Larger than most messages: it brings two enumerations, one of them a set, and answers in two ways.
 class QUILLET_EXPORT DaemonStatusMsg : public MessageOf<DaemonStatusMsg, Confirmable> {
 public:
     static std::string const NAME;

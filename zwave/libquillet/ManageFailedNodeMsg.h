@@ -36,6 +36,8 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 
 /// Asks the daemon to remove or replace a node that the controller considers failed, or to abort that; the answer tells
 /// what became of it.
+///
+/// Larger than most messages: it brings two enumerations of its own, one of them a set.
 class QUILLET_EXPORT ManageFailedNodeMsg : public MessageOf<ManageFailedNodeMsg, Confirmable> {
 public:
     static std::string const NAME;
