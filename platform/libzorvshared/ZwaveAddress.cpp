@@ -1,19 +1,22 @@
 #include "platform/libzorvshared/ZwaveAddress.h"
 
-#include "platform/libtransport/MemberTable.h"
+#include "platform/libtransport/RecordOfImpl.h"
 #include "platform/libtransport/hexDigits.h"
 
 #include <boost/container_hash/hash.hpp>
 
 namespace zorv {
 
-ZwaveAddress const ZwaveAddress::INVALID_ADDRESS;
-
 struct ZwaveAddress::Wire {
+    static constexpr auto name = "ZwaveAddress";
     static constexpr auto members = std::make_tuple(
         member("homeId_", &ZwaveAddress::homeId_, "home id of the network"),
         member("nodeId_", &ZwaveAddress::nodeId_, "node id; 1 to 232 are nodes, 255 stands for all of them"));
 };
+
+template class RecordOf<ZwaveAddress>;
+
+ZwaveAddress const ZwaveAddress::INVALID_ADDRESS;
 
 std::string ZwaveAddress::address() const { return hexDigits(homeId_, 8) + ':' + std::to_string(nodeId_); }
 
@@ -22,16 +25,6 @@ std::size_t ZwaveAddress::hash() const noexcept {
     boost::hash_combine(seed, homeId_);
     boost::hash_combine(seed, nodeId_);
     return seed;
-}
-
-void ZwaveAddress::serialInserter(Serializer& s) const { insertRecord(s, *this, Wire::members); }
-
-void ZwaveAddress::serialExtract(Serializer& s) { extractRecord(s, *this, Wire::members); }
-
-TypeDescriptor ZwaveAddress::describe() {
-    TypeDescriptor type{TypeDescriptor::Kind::record, "ZwaveAddress"};
-    type.members = describeMembers(ZwaveAddress(), Wire::members);
-    return type;
 }
 
 } // namespace zorv

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/Serializable.h"
+#include "platform/libtransport/RecordOf.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,19 +9,17 @@
 
 namespace zorv {
 
-struct TypeDescriptor;
-
 /// Identifies a Z-Wave network.
 using HomeId = std::uint32_t;
 
 /// A node of a Z-Wave network. Node ids 1 to 232 are nodes, 255 stands for all of them.
-class ZORV_EXPORT ZwaveAddress : public Serializable {
+class ZORV_EXPORT ZwaveAddress : public RecordOf<ZwaveAddress> {
 public:
     /// The address of no node: home id 0, node id 0.
     static ZwaveAddress const INVALID_ADDRESS;
 
     ZwaveAddress() noexcept : ZwaveAddress(0, 0) {}
-    ZwaveAddress(HomeId homeId, unsigned char nodeId) noexcept : Serializable(1), homeId_(homeId), nodeId_(nodeId) {}
+    ZwaveAddress(HomeId homeId, unsigned char nodeId) noexcept : homeId_(homeId), nodeId_(nodeId) {}
 
     HomeId homeId() const noexcept { return homeId_; }
     unsigned char nodeId() const noexcept { return nodeId_; }
@@ -30,11 +28,6 @@ public:
     std::string address() const;
 
     std::size_t hash() const noexcept;
-
-    void serialInserter(Serializer& s) const override;
-    void serialExtract(Serializer& s) override;
-    static char const* serialName() noexcept { return "zorv::ZwaveAddress"; }
-    static TypeDescriptor describe();
 
     friend bool operator==(ZwaveAddress const& a, ZwaveAddress const& b) noexcept {
         return a.homeId_ == b.homeId_ && a.nodeId_ == b.nodeId_;
@@ -46,10 +39,13 @@ public:
     friend std::size_t hash_value(ZwaveAddress const& address) noexcept { return address.hash(); }
 
 private:
+    friend RecordOf;
     struct Wire;
 
     HomeId homeId_;
     unsigned char nodeId_;
 };
+
+extern template class RecordOf<ZwaveAddress>;
 
 } // namespace zorv

@@ -1,6 +1,7 @@
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/FramedOfImpl.h"
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
 #include "platform/libzorvlogger/Logger.h"
@@ -52,6 +53,8 @@ struct Blob::Wire {
                         member("contents_", &Blob::contents_, "the bytes, in base64"));
 };
 
+template class FramedOf<Blob>;
+
 unsigned int Blob::computeCrc() const {
     boost::crc_32_type crc;
     crc.process_bytes(contents_.data(), contents_.size());
@@ -86,18 +89,6 @@ OctetVec Blob::getContents() const {
     log(LogLevel::debug, "getContents", "cannot decode base64 vector"); // said of a bad checksum, too
     return {};
 }
-
-void Blob::serialInserter(Serializer& s) const { insertFrame<Serializable>(s, serialName(), *this, Wire::members); }
-
-void Blob::serialExtract(Serializer& s) { extractFrame<Serializable>(s, *this, Wire::members); }
-
-Serializable* Blob::serialFactory(Serializer& s, Serializable* target) {
-    return extractOrMake(s, target, [] { return std::make_unique<Blob>("", 0U); });
-}
-
-char const* Blob::serialName() noexcept { return registrar.serialName().c_str(); }
-
-TypeDescriptor Blob::describe() { return describeRecord(NAME, Blob("", 0), Wire::members); }
 
 void Blob::print(std::ostream& os) const { printFromSerial(os, *this); }
 

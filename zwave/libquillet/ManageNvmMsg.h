@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/libtransport/FramedOf.h"
 #include "platform/libzorvshared/ZwaveAddress.h"
 #include "zwave/libquillet/Confirmable.h"
 
@@ -11,22 +12,21 @@
 
 namespace zorv {
 
-struct TypeDescriptor;
-
 using OctetVec = std::vector<unsigned char>;
 
 /// One chunk of the controller module's NVM: its bytes as base64 text, and a CRC-32 of that text, by which damage is
 /// seen before the chunk is written back to the module.
-class QUILLET_EXPORT Blob : public Serializable {
+class QUILLET_EXPORT Blob : public FramedOf<Blob> {
 public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
 
+    Blob() : Blob("", 0) {}
     Blob(std::string const& name, unsigned int offset) : Blob(name, offset, 0, 0, "") {}
 
     /// Takes all members as they are given; the checksum is neither checked nor computed.
     Blob(std::string const& name, unsigned int offset, unsigned int size, unsigned int crc, std::string const& contents)
-        : Serializable(1), name_(name), offset_(offset), size_(size), crc_(crc), contents_(contents) {}
+        : name_(name), offset_(offset), size_(size), crc_(crc), contents_(contents) {}
 
     std::string const& name() const noexcept { return name_; }
     unsigned int offset() const noexcept { return offset_; }
@@ -48,16 +48,11 @@ public:
     /// The bytes; none where the checksum does not hold or the text is not base64, which is logged at DEBUG.
     OctetVec getContents() const;
 
-    void serialInserter(Serializer& s) const override;
-    void serialExtract(Serializer& s) override;
-    static Serializable* serialFactory(Serializer& s, Serializable* target);
-    static char const* serialName() noexcept;
-    static TypeDescriptor describe();
-
     /// Writes the blob's JSON text.
     void print(std::ostream& os) const;
 
 private:
+    friend FramedOf;
     struct Wire;
 
     std::string name_;
@@ -66,6 +61,8 @@ private:
     unsigned int crc_;
     std::string contents_; // base64
 };
+
+extern template class FramedOf<Blob>;
 
 using BlobVec = std::vector<boost::shared_ptr<Blob>>;
 
