@@ -28,11 +28,19 @@ struct Description {
     std::vector<MemberDescriptor> members;
 };
 
+/// By default the daemon's device information names the type of the machine; the reference is the same on every one.
+void dropMachineDependentDefault(std::vector<MemberDescriptor>& members) {
+    auto const found = std::find_if(members.begin(), members.end(),
+                                    [](MemberDescriptor const& member) { return member.key == "deviceInfo_"; });
+    found->defaultJson.clear();
+}
+
 std::map<std::string, Description> describeAll() {
     std::map<std::string, Description> all;
     for (auto const* const message : describeCatalogue()) {
         all[message->serialName] = {message->base, message->members};
     }
+    dropMachineDependentDefault(all.at(ControllerInfoMsg::serialName()).members);
     all[Confirmable::serialName()] = {TConfirmable::serialName(), {}};
     all[TConfirmable::serialName()] = {TMessage::serialName(), TConfirmable::describe().members};
     all[TMessage::serialName()] = {"", TMessage::describe().members};

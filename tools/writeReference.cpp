@@ -69,7 +69,7 @@ void writeMembers(std::ostream& os, std::vector<MemberDescriptor> const& members
     }
     os << "\n| Key | Type | Default | Meaning |\n|---|---|---|---|\n";
     for (auto const& member : members) {
-        auto const byDefault = member.defaultJson.empty() ? "drawn anew" : code(member.defaultJson);
+        auto const byDefault = member.defaultJson.empty() ? "not fixed" : code(member.defaultJson);
         os << "| " << code(member.key) << " | " << typeCell(member.type) << " | " << byDefault << " | "
            << cell(member.doc) << " |\n";
     }
