@@ -1,5 +1,4 @@
-#include "tests/scenario/Process.h"
-#include "tests/unit/TemporaryDirectory.h"
+#include "tests/scenario/OfflineClient.h"
 #include "tests/unit/golden.h"
 
 #include <gmock/gmock.h>
@@ -19,28 +18,13 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
-/// Commands that need no daemon, run where none listens.
-class CatalogueCommands : public testing::Test {
+class CatalogueCommands : public OfflineClient {
 protected:
-    int run(std::vector<std::string> const& arguments) { return finish(clientCommand(1, arguments)); }
-
     /// Gives the lines to `quillet decode`.
     int decode(std::string const& lines, std::string const& option = "") {
         auto const file = directory_.write("lines", lines);
         return finish({"/bin/sh", "-c", "exec \"$0\" decode " + option + " < \"$1\"", program("quillet"), file});
     }
-
-    int finish(std::vector<std::string> const& command) {
-        Process client(command);
-        auto const code = client.wait();
-        lines_ = client.restOfOutput();
-        errors_ = client.errors();
-        return code;
-    }
-
-    zorv::TemporaryDirectory directory_;
-    std::vector<std::string> lines_;
-    std::string errors_;
 };
 
 TEST_F(CatalogueCommands, ListEveryMessageOnALine) {

@@ -1,5 +1,4 @@
-#include "tests/scenario/Process.h"
-#include "tests/unit/TemporaryDirectory.h"
+#include "tests/scenario/OfflineClient.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,22 +16,13 @@ using testing::IsEmpty;
 std::string const routes = R"({"name_":"routes","offset_":4096,"size_":4,"crc_":4065733082,"contents_":"AQIDBA=="})";
 std::string const flipped = R"({"name_":"flipped","offset_":1,"size_":4,"crc_":4065733082,"contents_":"AQIDBQ=="})";
 
-class NvmCheck : public testing::Test {
+class NvmCheck : public OfflineClient {
 protected:
-    /// Runs the check on a file, where no daemon listens.
     int check(std::string const& file, std::vector<std::string> const& more = {}) {
-        auto command = clientCommand(1, {"nvm", "check", file});
-        command.insert(command.end(), more.begin(), more.end());
-        Process client(command);
-        auto const code = client.wait();
-        lines_ = client.restOfOutput();
-        errors_ = client.errors();
-        return code;
+        std::vector<std::string> arguments{"nvm", "check", file};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments);
     }
-
-    zorv::TemporaryDirectory directory_;
-    std::vector<std::string> lines_;
-    std::string errors_;
 };
 
 TEST_F(NvmCheck, ShowsWhatAGoodBackupHolds) {

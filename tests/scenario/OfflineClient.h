@@ -1,0 +1,32 @@
+#pragma once
+
+#include "tests/scenario/Process.h"
+#include "tests/unit/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace scenario {
+
+/// Runs commands of the client that need no daemon, where none listens, and keeps what they wrote.
+class OfflineClient : public testing::Test {
+protected:
+    /// The exit code of `quillet` with the arguments.
+    int run(std::vector<std::string> const& arguments) { return finish(clientCommand(1, arguments)); }
+
+    int finish(std::vector<std::string> const& command) {
+        Process client(command);
+        auto const code = client.wait();
+        lines_ = client.restOfOutput();
+        errors_ = client.errors();
+        return code;
+    }
+
+    zorv::TemporaryDirectory directory_;
+    std::vector<std::string> lines_;
+    std::string errors_;
+};
+
+} // namespace scenario
