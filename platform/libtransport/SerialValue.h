@@ -125,15 +125,22 @@ template <class Key, class Value> Serializer& operator<<(Serializer& s, std::map
     return insertPairs(s, map);
 }
 
+/// Most entries of a map; a network has 232 nodes. A peer that knows how keys are hashed could otherwise send keys
+/// that all collide, and enough of them to stop this process for minutes.
+constexpr std::size_t maxPairs = 4096;
+
 /// Reads an array of pairs into a map: of equal keys the first wins, and entries that were there are kept.
 template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Map& map, RequireArray requireArray) {
     if (s.skipAbsent()) { return s; }
     requireArray(s);
     auto const count = s.size();
+    if (count > maxPairs) {
+        s.fail("expected at most " + std::to_string(maxPairs) + " entries, got " + std::to_string(count));
+    }
     for (std::size_t i = 0; i < count; ++i) {
         s.element(i);
         requireArray(s);
-        if (s.size() != 2) { s.fail("expected a key and a value, got " + std::to_string(s.size()) + " elements"); }
+        if (s.size() < 2) { s.fail("expected a key and a value, got " + std::to_string(s.size()) + " elements"); }
         typename Map::key_type key;
         typename Map::mapped_type value;
         s.element(0) >> key;

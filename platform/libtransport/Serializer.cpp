@@ -91,13 +91,14 @@ bool skipNumber(char const*& at, char const* end) {
 }
 
 /// Refuses what the JSON parser would let through or meet too late: broken UTF-8, raw control characters and lone
-/// surrogates in strings, numbers of a form that JSON does not have, comments and commas in some places, and nesting
-/// that would exhaust the stack.
+/// surrogates in strings, numbers of a form that JSON does not have, comments and commas in some places, nesting
+/// that would exhaust the stack, and more values than memory should hold.
 void checkText(std::string const& text) {
     char const* const end = text.data() + text.size();
     bool inString = false;
     bool afterComma = false;
     int depth = 0;
+    int commas = 0;
     for (char const* at = text.data(); at != end;) {
         char const* const start = at;
         if (!isAscii(*at)) {
@@ -127,6 +128,10 @@ void checkText(std::string const& text) {
         } else if (c == '}' || c == ']') {
             if (afterComma) { malformed(text, start, "nothing after a comma"); }
             --depth;
+        } else if (c == ',') {
+            if (++commas > Serializer::maxCommas) {
+                malformed(text, start, "more than " + std::to_string(Serializer::maxCommas) + " commas");
+            }
         } else if (c == '\0') {
             malformed(text, start, "NUL character");
         } else if (c == '/') {

@@ -24,6 +24,10 @@ public:
     /// Deepest nesting of objects and arrays that a text may have.
     static constexpr int maxDepth = 128;
 
+    /// Most commas that a text may have outside of strings, and with them values. In memory a value takes thirty times the
+    /// room that it takes in the text, and a controller has little.
+    static constexpr int maxCommas = 1 << 20;
+
     static std::string const name;  ///< key of an object's serial name
     static std::string const bases; ///< key of the array that holds the frames of an object's base classes
 

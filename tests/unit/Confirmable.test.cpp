@@ -224,6 +224,18 @@ TEST(Members, AMapElementThatIsNotAPairIsRefused) {
               (Refusal{"SerializerError", "pingOfNode_[0]: expected a key and a value, got 1 elements"}));
 }
 
+TEST(Members, WhatFollowsKeyAndValueOfAMapElementIsIgnored) {
+    auto const sample = readSample(R"("pingOfNode_":[[{"nodeId_":1},null,7]])");
+    EXPECT_EQ(sample->pingOfNode_.size(), 1U);
+}
+
+TEST(Members, AMapOfMoreThan4096EntriesIsRefused) {
+    std::string entries = "[{},null]";
+    for (int i = 1; i < 4097; ++i) { entries += ",[{},null]"; }
+    EXPECT_EQ(refusalOfSample("\"pingOfNode_\":[" + entries + "]"),
+              (Refusal{"SerializerError", "pingOfNode_: expected at most 4096 entries, got 4097"}));
+}
+
 TEST(Members, OfTwoEqualKeysOfAMapTheFirstWins) {
     auto const sample = readSample(
         R"("pingOfNode_":[[{"nodeId_":1},null],[{"nodeId_":1},{"__name__":"zorv::PingMsg","latencyMs_":7}]])");

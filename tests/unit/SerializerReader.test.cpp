@@ -413,6 +413,12 @@ TEST(SerializerReader, BracketsInStringsAreNoNesting) {
     EXPECT_EQ(read<std::string>('"' + repeated("[{", 1000) + '"'), repeated("[{", 1000));
 }
 
+TEST(SerializerReader, RefusesMoreCommasThanTheTreeHasRoomForValues) {
+    EXPECT_EQ(malformed("[" + repeated("0,", 1048577) + "0]"),
+              "malformed text: line 1, column 2097155: more than 1048576 commas");
+    EXPECT_EQ(read<std::string>('"' + repeated(",", 1048577) + '"').size(), 1048577U);
+}
+
 TEST(SerializerReader, ReadsALineOf100MiB) {
     auto const text =
         R"({"__name__":"zorv::PingMsg","latencyMs_":7,"unknown":")" + std::string(std::size_t(100) << 20, 'x') + "\"}";
