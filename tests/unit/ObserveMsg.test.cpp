@@ -52,9 +52,19 @@ TEST(ObserveMsg, WritesNoMessageAsNullAndReadsItBack) {
 }
 
 TEST(ObserveMsg, ReadsAnObjectThatIsNoMessageAsNone) {
-    // Every registered class of the catalogue is a message; a record of the platform is not.
+    auto const message =
+        readBack<ObserveMsg>(R"({"__name__":"zorv::ObserveMsg","message_":{"__name__":"zorv::Blob"}})");
+    ASSERT_TRUE(message);
+    EXPECT_FALSE(message->message());
+}
+
+TEST(ObserveMsg, RefusesAnObjectOfAClassThatIsNotRegistered) {
     EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ObserveMsg","message_":{"__name__":"zorv::ZwaveAddress"}})"),
               (Refusal{"SerializerError", R"(message_: unknown class "zorv::ZwaveAddress")"}));
+}
+
+TEST(ObserveMsg, HoldsNothingByDefault) {
+    EXPECT_EQ(ownMembers<Confirmable>(ObserveMsg()), R"(,"action_":"none","direction_":"none","message_":null})");
 }
 
 TEST(ObserveMsg, ObservedMessageCarriesResult1) {

@@ -13,7 +13,6 @@ struct ObserveMsg::Wire {
         std::make_tuple(member("action_", &ObserveMsg::action_, "what the observer asks for"),
                         member("direction_", &ObserveMsg::direction_, "which way the observed message travelled"),
                         member("message_", &ObserveMsg::message_, "the observed message"));
-    static ObserveMsg blank() { return {ObserveAction::none, ObserveDirection::none}; }
 };
 
 template class MessageOf<ObserveMsg, Confirmable>;
@@ -31,7 +30,7 @@ boost::shared_ptr<ObserveMsg> ObserveMsg::create(ZResult::Enum result) {
     return wish;
 }
 
-// Response forms elsewhere check the request; here an empty one is the caller's error.
+// Most response forms check the request; here an empty one is the caller's error.
 boost::shared_ptr<ObserveMsg> ObserveMsg::create(boost::shared_ptr<TMessage> const& request, ZResult::Enum result) {
     auto response = respondWithNew<ObserveMsg>(*request, ObserveAction::none, ObserveDirection::none);
     response->result(result);

@@ -13,6 +13,7 @@ public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
 
+    ObserveMsg() = default;
     ObserveMsg(ObserveAction::Enum action, ObserveDirection::Enum direction) : action_(action), direction_(direction) {}
     ObserveMsg(ObserveAction::Enum action, ObserveDirection::Enum direction, boost::shared_ptr<TMessage> const& message)
         : action_(action), direction_(direction), message_(message) {}
@@ -33,8 +34,8 @@ private:
     friend MessageOf;
     struct Wire;
 
-    ObserveAction::Enum action_;
-    ObserveDirection::Enum direction_;
+    ObserveAction::Enum action_ = ObserveAction::none;
+    ObserveDirection::Enum direction_ = ObserveDirection::none;
     boost::shared_ptr<TMessage> message_;
 };
 

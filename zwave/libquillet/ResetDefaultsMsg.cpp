@@ -11,14 +11,11 @@ SerialRegistrar const ResetDefaultsMsg::registrar("zorv::" + NAME, &ResetDefault
 struct ResetDefaultsMsg::Wire {
     static constexpr auto members =
         std::make_tuple(member("timeout_", &ResetDefaultsMsg::timeout_, "time-out of the reset"));
-    static ResetDefaultsMsg blank() { return ResetDefaultsMsg(DEFAULT_TIMEOUT); }
 };
 
 template class MessageOf<ResetDefaultsMsg, Confirmable>;
 
-boost::shared_ptr<ResetDefaultsMsg> ResetDefaultsMsg::create() {
-    return boost::make_shared<ResetDefaultsMsg>(unsigned{DEFAULT_TIMEOUT});
-}
+boost::shared_ptr<ResetDefaultsMsg> ResetDefaultsMsg::create() { return boost::make_shared<ResetDefaultsMsg>(); }
 
 boost::shared_ptr<ResetDefaultsMsg> ResetDefaultsMsg::create(ZResult::Enum result) {
     auto report = create();

@@ -12,6 +12,7 @@ public:
     static SerialRegistrar const registrar;
     static constexpr unsigned int DEFAULT_TIMEOUT = 180;
 
+    ResetDefaultsMsg() = default;
     explicit ResetDefaultsMsg(unsigned int timeout) : timeout_(timeout) {}
 
     /// A client's request.
@@ -21,7 +22,7 @@ public:
     static boost::shared_ptr<ResetDefaultsMsg> create(boost::shared_ptr<ResetDefaultsMsg> const& request,
                                                       ZResult::Enum result, unsigned int timeout);
 
-    void timeout(unsigned int timeout) { timeout_ = timeout; }
+    void timeout(unsigned int timeout) noexcept { timeout_ = timeout; }
 
     unsigned int timeout() const noexcept { return timeout_; }
 
@@ -29,7 +30,7 @@ private:
     friend MessageOf;
     struct Wire;
 
-    unsigned int timeout_; // in the unit of the daemon, which runs the reset
+    unsigned int timeout_ = DEFAULT_TIMEOUT; // in the unit of the daemon, which runs the reset
 };
 
 } // namespace zorv

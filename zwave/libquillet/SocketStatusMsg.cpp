@@ -24,7 +24,6 @@ struct SocketStatusMsg::Wire {
     static constexpr auto members =
         std::make_tuple(member("status_", &SocketStatusMsg::status_, "what happened on the connection"),
                         member("actor_", &SocketStatusMsg::actor_, "which end it concerns"));
-    static SocketStatusMsg blank() { return {SocketEvent::invalid, SocketActor::none}; }
 };
 
 template class MessageOf<SocketStatusMsg, TMessage>;

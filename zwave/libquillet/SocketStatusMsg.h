@@ -22,6 +22,7 @@ public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
 
+    SocketStatusMsg() = default;
     SocketStatusMsg(SocketEvent::Enum status, SocketActor::Enum actor) : status_(status), actor_(actor) {}
 
     static boost::shared_ptr<SocketStatusMsg> create(Endpoint const& source, SocketEvent::Enum status,
@@ -34,8 +35,8 @@ private:
     friend MessageOf;
     struct Wire;
 
-    SocketEvent::Enum status_;
-    SocketActor::Enum actor_;
+    SocketEvent::Enum status_ = SocketEvent::invalid;
+    SocketActor::Enum actor_ = SocketActor::none;
 };
 
 } // namespace zorv

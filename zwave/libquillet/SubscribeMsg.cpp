@@ -11,7 +11,6 @@ struct SubscribeMsg::Wire {
     static constexpr auto members =
         std::make_tuple(member("unsubscribe_", &SubscribeMsg::unsubscribe_, "whether the events are given up"),
                         member("events_", &SubscribeMsg::events_, "names of the events"));
-    static SubscribeMsg blank() { return SubscribeMsg(false); }
 };
 
 template class MessageOf<SubscribeMsg, Confirmable>;

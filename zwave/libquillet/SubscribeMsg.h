@@ -13,6 +13,7 @@ public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
 
+    SubscribeMsg() = default;
     explicit SubscribeMsg(bool unsubscribe) : unsubscribe_(unsubscribe) {}
     SubscribeMsg(bool unsubscribe, std::vector<std::string> const& events)
         : unsubscribe_(unsubscribe), events_(events) {}
@@ -31,7 +32,7 @@ private:
     friend MessageOf;
     struct Wire;
 
-    bool unsubscribe_;
+    bool unsubscribe_ = false;
     std::vector<std::string> events_;
 };
 

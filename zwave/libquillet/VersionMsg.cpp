@@ -17,7 +17,6 @@ struct VersionMsg::Wire {
     static constexpr auto members =
         std::make_tuple(member("protocolVersion_", &VersionMsg::protocolVersion_, "protocol version of the sender"));
     static constexpr auto protocolVersion = std::get<0>(members);
-    static VersionMsg blank() { return VersionMsg(""); }
 };
 
 template class MessageOf<VersionMsg, Confirmable>;

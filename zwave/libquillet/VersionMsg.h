@@ -13,6 +13,7 @@ public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
 
+    VersionMsg() = default;
     /// `protocol` must not be null; the create forms check it.
     explicit VersionMsg(char const* protocol) : protocolVersion_(protocol) {}
 

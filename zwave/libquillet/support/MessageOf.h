@@ -30,8 +30,7 @@ public:
 /// What every message class derives from its member table `Self::Wire::members`, and from its statics `NAME` and
 /// `registrar`.
 ///
-/// MessageOfImpl.h defines the operations; each message's source includes it and instantiates them for its class. A
-/// class that cannot be made without arguments tells with `Self::Wire::blank()` what the reader starts from.
+/// MessageOfImpl.h defines the operations; each message's source includes it and instantiates them for its class.
 template <class Self, class Base> class QUILLET_EXPORT MessageOf : public CloneOf<Self, Base> {
 public:
     using CloneOf<Self, Base>::CloneOf;

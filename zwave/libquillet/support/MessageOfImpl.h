@@ -30,18 +30,9 @@ template <class Self, class Base> void MessageOf<Self, Base>::serialExtract(Seri
     extractFrame<Base, MessageReader>(s, static_cast<Self&>(*this), Self::Wire::members);
 }
 
-/// The message that a reader starts from. `Wire` is named by the caller, to whom alone the class shows it.
-template <class Self, class Wire> std::unique_ptr<Self> makeBlank() {
-    if constexpr (std::is_default_constructible_v<Self>) {
-        return std::make_unique<Self>();
-    } else {
-        return std::make_unique<Self>(Wire::blank());
-    }
-}
-
 template <class Self, class Base>
 Serializable* MessageOf<Self, Base>::serialFactory(Serializer& s, Serializable* target) {
-    return extractOrMake(s, target, &makeBlank<Self, typename Self::Wire>);
+    return extractOrMake(s, target, [] { return std::make_unique<Self>(); });
 }
 
 template <class Self, class Base> void MessageOf<Self, Base>::print(std::ostream& os) const {
@@ -53,9 +44,8 @@ template <class Self, class Base> char const* MessageOf<Self, Base>::serialName(
 }
 
 template <class Self, class Base> MessageDescriptor const& MessageOf<Self, Base>::descriptor() {
-    static MessageDescriptor const descriptor{
-        serialName(), Base::serialName(),
-        describeMembers(*makeBlank<Self, typename Self::Wire>(), Self::Wire::members)};
+    static MessageDescriptor const descriptor{serialName(), Base::serialName(),
+                                              describeMembers(Self(), Self::Wire::members)};
     return descriptor;
 }
 
