@@ -8,6 +8,9 @@
 #include "platform/libtransport/throwInvalidEnum.h"
 #include "platform/libzorvshared/KernelX.h"
 
+#include <limits>
+#include <locale>
+
 namespace zorv {
 namespace {
 
@@ -216,6 +219,13 @@ TEST(ControllerInfoMsg, AnAnswerIsAReportThatTakesNothingButTheLinkFromItsReques
     EXPECT_EQ(ownMembers<Confirmable>(*message), ownMembers<Confirmable>(info(ControllerInfoOption::info)));
 }
 
+#ifndef NDEBUG
+TEST(ControllerInfoMsgDeathTest, AnswersNoRequestOnlyByEndingTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(answer(nullptr), "px != 0");
+}
+#endif
+
 TEST(ControllerInfoMsg, SharesItsAgentWithItsClone) {
     auto message = info(ControllerInfoOption::all);
     auto const agent = AgentData::create(1, "u", "r", "d", "v");
@@ -324,6 +334,20 @@ TEST(ControllerInfoMsg, ShowsItsAgentBeforeTheCommandsAndNotWithoutTheController
     auto commands = info(ControllerInfoOption::commands);
     commands.agentData(message.agentData());
     EXPECT_EQ(shown(commands), commandRows);
+}
+
+TEST(ControllerInfoMsg, ShowsAnUptimeThatIsNoNumberAsNone) {
+    EXPECT_EQ(shownUptime(std::numeric_limits<double>::quiet_NaN()), "0d 0h 0m 0s\n");
+}
+
+TEST(ControllerInfoMsg, ShowsTheUptimeAlikeInEveryLocale) {
+    struct Comma : std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+    };
+    auto const before = std::locale::global(std::locale(std::locale::classic(), new Comma));
+    auto const text = shownUptime(93784.25);
+    std::locale::global(before);
+    EXPECT_EQ(text, "1d 2h 3m 4.25s\n");
 }
 
 TEST(ControllerInfoMsg, ShowsAnUptimeOfDays) { EXPECT_EQ(shownUptime(93784.25), "1d 2h 3m 4.25s\n"); }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
+
 namespace zorv {
 namespace {
 
@@ -32,6 +34,17 @@ TEST(HexDump, WritesOffsetsInDecimal) {
     ASSERT_EQ(rows.size(), 14U);
     EXPECT_EQ(rows[2], (std::vector<std::string>{"", "16: ee ee ee ee ee ee ee ee"}));
     EXPECT_EQ(rows[13], (std::vector<std::string>{"", "104: ee"}));
+}
+
+TEST(HexDump, WritesLongOffsetsWithoutGroupsInEveryLocale) {
+    struct Grouping : std::numpunct<char> {
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+    auto const before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    auto const rows = dump(std::vector<unsigned char>(1001, 0xEE));
+    std::locale::global(before);
+    EXPECT_EQ(rows.back(), (std::vector<std::string>{"", "1000: ee"}));
 }
 
 TEST(HexDump, AppendsToTheRowsThatAreThere) {

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <locale>
 #include <sstream>
 
 namespace zorv {
@@ -98,7 +99,7 @@ ControllerInfoMsg::create(ControllerInfoOption::Enum option, ModuleType::Enum mo
     auto report = boost::make_shared<ControllerInfoMsg>(
         option, moduleType, fwVersion, sucNodeId, capabilities, role, serialCapabilities, deviceInfo, nodeCount,
         remoteQueueSize, jobsQueueSize, workQueueSize, deviceStatus, securityStatus, uptime);
-    report->TMessage::role(MessageRole::report);
+    report->role(MessageRole::report);
     report->result(ZResult::success);
     return report;
 }
@@ -121,11 +122,12 @@ namespace {
 /// Such as "1d 2h 3m 4.25s", with the line end that ends the cell.
 std::string formatUptime(double uptime) {
     double whole = 0;
-    double const fraction = std::modf(uptime, &whole);
+    double const fraction = std::modf(std::isfinite(uptime) ? uptime : 0, &whole);
     // A time that no int holds, which only a peer can send, stays at the longest that one does.
     using Limits = std::numeric_limits<int>;
     auto const seconds = static_cast<int>(std::clamp<double>(whole, Limits::min(), Limits::max()));
     std::ostringstream os;
+    os.imbue(std::locale::classic());
     os << seconds / 86400 << "d " << seconds / 3600 % 24 << "h " << seconds / 60 % 60 << "m " << seconds % 60 + fraction
        << "s\n";
     return os.str();

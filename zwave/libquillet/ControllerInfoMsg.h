@@ -20,10 +20,10 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 
 } // namespace ControllerInfoOption
 
+// Larger than most messages: its fifteen members all come with every report.
+
 /// Describes the controller module and the daemon. A client asks with the option that it wants to see; the answer holds
 /// everything. The daemon also sends it as a report.
-///
-/// Larger than most messages: its fifteen members all come with every report.
 class QUILLET_EXPORT ControllerInfoMsg : public MessageOf<ControllerInfoMsg, Confirmable> {
 public:
     static std::string const NAME;
@@ -48,7 +48,7 @@ public:
            SerialCapabilities const& serialCapabilities, DeviceInfo const& deviceInfo, unsigned int nodeCount,
            unsigned int remoteQueueSize, unsigned int jobsQueueSize, unsigned int workQueueSize,
            DeviceStatus::Enum deviceStatus, SecurityStatus::Enum securityStatus, double uptime);
-    /// The report as an answer. Response forms elsewhere check the request; this one is the caller's duty.
+    /// The report as an answer. Most response forms check the request; this one is the caller's duty.
     static boost::shared_ptr<ControllerInfoMsg>
     create(boost::shared_ptr<ControllerInfoMsg> const& request, ControllerInfoOption::Enum option,
            ModuleType::Enum moduleType, std::string const& fwVersion, unsigned char sucNodeId,

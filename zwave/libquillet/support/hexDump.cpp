@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iomanip>
+#include <locale>
 #include <sstream>
 
 namespace zorv {
@@ -16,6 +17,7 @@ void hexDump(StringVecVec& rows, std::vector<unsigned char> const& bytes) {
     std::size_t offset = 0;
     do {
         std::ostringstream line;
+        line.imbue(std::locale::classic()); // no grouping in long offsets
         line << std::setw(2) << std::setfill('0') << offset << ':';
         auto const end = std::min(offset + bytesPerRow, bytes.size());
         for (; offset < end; ++offset) { printOctet(line << ' ', bytes[offset]); }
