@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <csignal>
+#include <exception>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -66,6 +67,9 @@ int main(int argc, char** argv) {
     } catch (zorv::ExitError const& error) {
         if (*error.what() != '\0') { std::cerr << "quillet: " << error.what() << '\n'; }
         code = error.code();
+    } catch (std::exception const& error) { // the daemon sent what cannot be shown
+        std::cerr << "quillet: " << error.what() << '\n';
+        code = ExitCode::protocolError;
     }
     return static_cast<int>(code);
 }
