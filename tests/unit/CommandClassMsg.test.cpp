@@ -52,6 +52,17 @@ TEST(FrameCast, RefusesNumbersAndWordsThatItDoesNotHave) {
               "invalid FrameCast text \"Broadcast\"");
 }
 
+TEST(FrameCast, PassesThroughStreams) {
+    std::stringstream stream;
+    stream << static_cast<FrameCast::Enum>(8);
+    EXPECT_EQ(stream.str(), "multicast");
+    auto cast = FrameCast::singlecast;
+    stream >> cast;
+    EXPECT_EQ(static_cast<int>(cast), 8);
+}
+
+TEST(ReceivedStatus, ReadsAnEmptyTextAsNoFlag) { EXPECT_EQ(static_cast<int>(ReceivedStatus::toEnum("")), 0); }
+
 TEST(ReceivedStatus, EndsItsTextWithTheFrameCast) {
     EXPECT_EQ(ReceivedStatus::toString(status(0x00)), "none|singlecast");
     EXPECT_EQ(ReceivedStatus::toString(status(0x04)), "none|broadcast");
@@ -212,8 +223,13 @@ TEST(CommandClassMsg, ShowsNineBytesInTwoRows) {
 }
 
 TEST(CommandClassMsg, ShowsEightAndSixteenBytesWithoutAnEmptyRow) {
-    EXPECT_EQ(shown(message(Bytes(8, 0xAA))).size(), 4U);
-    EXPECT_EQ(shown(message(Bytes(16, 0xAA))).size(), 5U);
+    auto const eight = shown(message(Bytes(8, 0xAA)));
+    ASSERT_EQ(eight.size(), 4U);
+    EXPECT_EQ(eight[3], (std::vector<std::string>{"Data:", "00: aa aa aa aa aa aa aa aa"}));
+    auto const sixteen = shown(message(Bytes(16, 0xAA)));
+    ASSERT_EQ(sixteen.size(), 5U);
+    EXPECT_EQ(sixteen[3], (std::vector<std::string>{"Data:", "00: aa aa aa aa aa aa aa aa"}));
+    EXPECT_EQ(sixteen[4], (std::vector<std::string>{"", "08: aa aa aa aa aa aa aa aa"}));
 }
 
 TEST(CommandClassMsg, ShowsACommandWithoutBytesAsOneRow) {

@@ -91,7 +91,12 @@ TEST(SendCommandMsg, ReadsEveryMemberOfItsGoldenText) {
 
 TEST(SendCommandMsg, AcceptsSixtyFourDestinations) { EXPECT_TRUE(valid(Bytes(64, 7))); }
 
-TEST(SendCommandMsg, RefusesSixtyFiveDestinationsWhateverTheyAre) { EXPECT_FALSE(valid(Bytes(65, 7))); }
+TEST(SendCommandMsg, RefusesSixtyFiveDestinationsWhateverTheyAre) {
+    EXPECT_FALSE(valid(Bytes(65, 7)));
+    Bytes withBroadcast(65, 7);
+    withBroadcast[0] = 255;
+    EXPECT_FALSE(valid(withBroadcast));
+}
 
 TEST(SendCommandMsg, AcceptsNoDestinationAtAll) {
     EXPECT_TRUE(valid({}));
@@ -183,9 +188,19 @@ TEST(SendCommandMsg, NothingAnswersAnEmptyRequest) {
     EXPECT_EQ(errorText<NullPointerError>([] { SendCommandMsg::create(nullptr, ZResult::success); }), "msg is null");
 }
 
+/// A request whose copies are of another class, which no class of the catalogue is.
+class ForeignClone : public SendCommandMsg {
+public:
+    boost::shared_ptr<TConfirmable> clone() const override { return boost::make_shared<Confirmable>(); }
+};
+
+TEST(SendCommandMsg, AnswersNothingWhereTheCopyIsOfAnotherClass) {
+    EXPECT_FALSE(SendCommandMsg::create(boost::make_shared<ForeignClone>(), ZResult::success));
+}
+
 TEST(SendCommandMsg, KeepsAnEmptyCommandEmpty) {
     auto const message = SendCommandMsg::create(nodes({5}), nullptr, TransmitOption::ack, false, false, false);
-    EXPECT_TRUE(toJson(*message)["command_"].isNull());
+    EXPECT_NE(wireText(*message).find(R"("command_":null)"), std::string::npos);
     EXPECT_FALSE(readBack<SendCommandMsg>(wireText(*message))->command());
 }
 

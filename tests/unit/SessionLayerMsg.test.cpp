@@ -40,15 +40,18 @@ TEST(SessionLayerMsg, RejectsTheOperationTextInvalid) {
 
 TEST(SessionLayerMsg, HasTwoOperations) {
     expectTexts<SessionLayerOp::Enum>({"status", "ping"});
-    EXPECT_THROW(toString(static_cast<SessionLayerOp::Enum>(2)), InvalidEnumError);
+    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SessionLayerOp::Enum>(2)); }),
+              "invalid SessionLayerOp value 2");
 }
 
 TEST(SessionLayerMsg, HasTwelveStatuses) {
     expectTexts<SessionLayerStatus::Enum>({"unknown", "idle", "threadRunning", "threadStopped", "frameNormal",
                                            "frameChecksumError", "frameRetriesFailedError", "frameTimeoutError",
                                            "moduleNotPresent", "moduleClosed", "moduleConfigFailure", "moduleOpen"});
-    EXPECT_THROW(toString(static_cast<SessionLayerStatus::Enum>(12)), InvalidEnumError);
-    EXPECT_THROW(SessionLayerStatus::toEnum("Idle"), InvalidEnumError);
+    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SessionLayerStatus::Enum>(12)); }),
+              "invalid SessionLayerStatus value 12");
+    EXPECT_EQ(errorText<InvalidEnumError>([] { SessionLayerStatus::toEnum("Idle"); }),
+              R"(invalid SessionLayerStatus text "Idle")");
 }
 
 TEST(SessionLayerMsg, AnswersWithACopyOfTheRequest) {

@@ -225,8 +225,9 @@ TEST(MessageRole, HasItsNumbersAndTexts) {
 }
 
 TEST(ZResult, HasItsNumbersAndTexts) {
-    char const* const texts[] = {"none",    "success",      "failure",         "inProgress",      "rejected",
-                                 "timeout", "fileNotFound", "fileOpenFailure", "fileReadFailure", "noBlobs"};
+    char const* const texts[] = {"none",         "success",        "failure",         "inProgress",      "rejected",
+                                 "timeout",      "fileNotFound",   "fileOpenFailure", "fileReadFailure", "noBlobs",
+                                 "nodeNotFound", "nodeNotReached", "nodeAsleep"};
     int number = 0;
     for (auto const* const text : texts) { EXPECT_EQ(toString(static_cast<ZResult::Enum>(number++)), text); }
 }
