@@ -24,7 +24,7 @@ struct AddRemoveNodeMsg::Wire {
     static constexpr auto members =
         std::make_tuple(member("operation_", &AddRemoveNodeMsg::operation_, "include or exclude a node"),
                         member("abort_", &AddRemoveNodeMsg::abort_, "give the running operation up"),
-                        member("primary_", &AddRemoveNodeMsg::primary_, "ask for the node as primary controller"),
+                        member("primary_", &AddRemoveNodeMsg::primary_, "flag that is passed on with the request"),
                         member("timeout_", &AddRemoveNodeMsg::timeout_, "time-out, in the daemon's unit"),
                         member("device_", &AddRemoveNodeMsg::device_, "the node that was included or excluded"));
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/libtransport/EnumDeclaration.h"
 #include "platform/libzorvshared/Device.h"
 #include "zwave/libquillet/Confirmable.h"
 
@@ -34,7 +35,7 @@ public:
 
     static boost::shared_ptr<AddRemoveNodeMsg> create(AddRemoveOp::Enum operation, bool abort, ZResult::Enum result,
                                                       int timeout, bool primary);
-    /// The answer applies its own time-out and is not told whether the node was to become the primary controller.
+    /// The answer has a time-out of its own, and does not repeat the request's primary flag.
     static boost::shared_ptr<AddRemoveNodeMsg> create(boost::shared_ptr<AddRemoveNodeMsg> const& request,
                                                       ZResult::Enum result, int timeout,
                                                       boost::shared_ptr<Device> const& device);

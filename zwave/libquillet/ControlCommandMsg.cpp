@@ -3,6 +3,7 @@
 #include "platform/libtransport/EnumTable.h"
 #include "platform/libzorvshared/ZwApiCommand.h"
 #include "transport/displayRow.h"
+#include "zwave/libquillet/ZorvError.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/hexDump.h"
 

@@ -27,13 +27,14 @@ public:
     static SerialRegistrar const registrar;
 
     ControlCommandMsg() = default;
-    /// TransportError "invalid minimum control command size" for less than two bytes; a message that is read is not
-    /// checked.
+    /// Takes a frame; a TransportError "invalid minimum control command size" for less than two bytes. A message that is
+    /// read is not checked.
     ControlCommandMsg(std::vector<unsigned char> const& data, MessageRole::Enum role);
 
     std::vector<unsigned char> const& data() const noexcept { return data_; }
 
-    /// std::out_of_range for a message of less than two bytes, which only reading makes.
+    /// Appends operation, function and bytes; std::out_of_range where there are less than two bytes, as a default message
+    /// or one that was read may have.
     void accumulateDisplay(StringVecVec& rows) const override;
 
 private:

@@ -6,6 +6,7 @@
 
 namespace zorv {
 
+/// How far the daemon can be used.
 namespace DaemonStatus {
 
 enum Enum : int {
@@ -36,10 +37,10 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 
 } // namespace DaemonDetail
 
+// Larger than most messages: it brings two enumerations, one of them a set, and answers in two ways.
+
 /// Whether the daemon is usable, and what is wrong where it is not. A client asks with a default message; the daemon
 /// answers, and announces each change on its own.
-///
-/// Larger than most messages: it brings two enumerations, one of them a set, and answers in two ways.
 class QUILLET_EXPORT DaemonStatusMsg : public MessageOf<DaemonStatusMsg, Confirmable> {
 public:
     static std::string const NAME;

@@ -10,10 +10,10 @@
 
 namespace zorv {
 
+// Larger than most messages: its five statuses come with the constructor and with two of the create forms.
+
 /// The status of one node. A client asks for it with the node's address; the daemon answers, and reports changes on its
 /// own.
-///
-/// Larger than most messages: its five statuses come with the constructor and with two of the create forms.
 class QUILLET_EXPORT DeviceStatusMsg : public MessageOf<DeviceStatusMsg, Confirmable> {
 public:
     static std::string const NAME;

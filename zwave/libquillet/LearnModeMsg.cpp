@@ -27,7 +27,7 @@ boost::shared_ptr<LearnModeMsg> LearnModeMsg::create(LearnMode::Enum mode, ZResu
     return boost::make_shared<LearnModeMsg>(mode, result, status, timeout);
 }
 
-// Response forms elsewhere check the request; here an empty one is the caller's error.
+// Most response forms check the request; here an empty one is the caller's error.
 boost::shared_ptr<LearnModeMsg> LearnModeMsg::create(boost::shared_ptr<LearnModeMsg> const& request,
                                                      ZResult::Enum result, LearnModeStatus::Enum status,
                                                      unsigned int timeout) {

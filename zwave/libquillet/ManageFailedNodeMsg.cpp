@@ -53,7 +53,7 @@ template class MessageOf<ManageFailedNodeMsg, Confirmable>;
 boost::shared_ptr<ManageFailedNodeMsg> ManageFailedNodeMsg::create(ManageFailedNodeOp::Enum operation,
                                                                    ZwaveAddress const& address, ZResult::Enum result,
                                                                    ManageFailedNodeStatus::Enum status) {
-    return boost::make_shared<ManageFailedNodeMsg>(operation, address, result, status, unsigned{DEFAULT_TIMEOUT});
+    return boost::make_shared<ManageFailedNodeMsg>(operation, address, result, status, DEFAULT_TIMEOUT);
 }
 
 boost::shared_ptr<ManageFailedNodeMsg>

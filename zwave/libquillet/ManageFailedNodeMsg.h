@@ -16,6 +16,7 @@ ZORV_ENUM_DECLARE_HEX(QUILLET_EXPORT)
 
 } // namespace ManageFailedNodeOp
 
+/// What became of a failed node.
 namespace ManageFailedNodeStatus {
 
 enum Enum : int {
@@ -34,10 +35,10 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 
 } // namespace ManageFailedNodeStatus
 
+// Larger than most messages: it brings two enumerations of its own, one of them a set.
+
 /// Asks the daemon to remove or replace a node that the controller considers failed, or to abort that; the answer tells
 /// what became of it.
-///
-/// Larger than most messages: it brings two enumerations of its own, one of them a set.
 class QUILLET_EXPORT ManageFailedNodeMsg : public MessageOf<ManageFailedNodeMsg, Confirmable> {
 public:
     static std::string const NAME;

@@ -70,7 +70,7 @@ bool Blob::checkCrc() const {
 bool Blob::setContents(OctetVec const& bytes) {
     size_ = static_cast<unsigned int>(bytes.size());
     boost::system::error_code error;
-    crypto::base64Encode(bytes.data(), bytes.size(), false, error).swap(contents_);
+    crypto::base64Encode(bytes.empty() ? nullptr : bytes.data(), bytes.size(), false, error).swap(contents_);
     if (error) {
         log(LogLevel::debug, "setContents",
             std::string("cannot encode byte vector, error ") + error.category().name() + ':' +

@@ -28,10 +28,10 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 using DeviceMap = boost::unordered_map<ZwaveAddress, boost::shared_ptr<Device>>;
 using AgentDataMap = boost::unordered_map<ZwaveAddress, boost::shared_ptr<AgentData>>;
 
+// Larger than most messages: it draws six tables, and answers other messages than its own kind.
+
 /// Carries what the daemon knows of the nodes. A client asks for it ("get"), the daemon answers ("set"), and tells
 /// everyone when a node has changed ("update").
-///
-/// Larger than most messages: it draws six tables, and answers other messages than its own kind.
 class QUILLET_EXPORT NodeInformationMsg : public MessageOf<NodeInformationMsg, Confirmable> {
 public:
     static std::string const NAME;

@@ -25,7 +25,7 @@ boost::shared_ptr<RequestNeighborUpdateMsg> RequestNeighborUpdateMsg::create(Zwa
 boost::shared_ptr<RequestNeighborUpdateMsg> RequestNeighborUpdateMsg::create(ZResult::Enum result,
                                                                              ZwaveAddress const& address,
                                                                              RequestNeighborUpdateStatus::Enum status) {
-    return boost::make_shared<RequestNeighborUpdateMsg>(result, address, status, unsigned{DEFAULT_TIMEOUT});
+    return boost::make_shared<RequestNeighborUpdateMsg>(result, address, status, DEFAULT_TIMEOUT);
 }
 
 boost::shared_ptr<RequestNeighborUpdateMsg>

@@ -9,10 +9,10 @@
 
 namespace zorv {
 
+// Larger than most messages: each form exists for one destination and for several.
+
 /// Asks the daemon to transmit one command to a node, to all nodes or to several. A client sends it; the answer repeats
 /// the request and says whether the command went out.
-///
-/// Larger than most messages: each form exists for one destination and for several.
 class QUILLET_EXPORT SendCommandMsg : public MessageOf<SendCommandMsg, Confirmable> {
 public:
     static std::string const NAME;

@@ -20,7 +20,7 @@ boost::shared_ptr<SendNifMsg> SendNifMsg::create(unsigned char destination, Tran
     return boost::make_shared<SendNifMsg>(destination, options);
 }
 
-// Response forms elsewhere check the request and repeat its members; this one does neither.
+// Most response forms check the request and repeat its members; this one does neither.
 boost::shared_ptr<SendNifMsg> SendNifMsg::create(boost::shared_ptr<SendNifMsg> const& request, ZResult::Enum result) {
     constexpr unsigned char allNodes = 255;
     auto response = respondWithNew<SendNifMsg>(*request, allNodes, TransmitOption::defaultOptions);

@@ -5,8 +5,8 @@
 
 namespace zorv {
 
-/// Asks the daemon to send the controller's node information frame (NIF) to one node or to all; the answer carries the
-/// result alone.
+/// Asks the daemon to send the controller's node information frame (NIF) to one node or to all; the answer
+/// repeats nothing of the request.
 class QUILLET_EXPORT SendNifMsg : public MessageOf<SendNifMsg, Confirmable> {
 public:
     static std::string const NAME;

@@ -7,6 +7,7 @@
 
 namespace zorv {
 
+/// What the serial manager does now.
 namespace SerialManagerStatus {
 
 enum Enum : int {

@@ -5,6 +5,7 @@
 
 namespace zorv {
 
+/// What is asked of the session layer; 0 is an operation here, not an invalid one.
 namespace SessionLayerOp {
 
 enum Enum : int { status, ping };
@@ -13,6 +14,7 @@ ZORV_ENUM_DECLARE(QUILLET_EXPORT)
 
 } // namespace SessionLayerOp
 
+/// State of the session layer, of its last frame or of the module.
 namespace SessionLayerStatus {
 
 enum Enum : int {
