@@ -43,6 +43,19 @@ std::string contents(std::string const& file) {
 
 TEST(CatalogueCompleteness, HasTwentyEightMessages) { EXPECT_EQ(messages().size(), 28U); }
 
+TEST(CatalogueCompleteness, HasNineteenEnumerationsOfItsOwn) {
+    std::size_t declared = 0;
+    for (auto const& entry : boost::filesystem::directory_iterator(QUILLET_SOURCE_DIR "/zwave/libquillet")) {
+        if (entry.path().extension() != ".h") { continue; }
+        auto const text = contents("zwave/libquillet/" + entry.path().filename().string());
+        auto const declaration = std::string("ZORV_ENUM_DECLARE(QUILLET_EXPORT)");
+        for (auto at = text.find(declaration); at != std::string::npos; at = text.find(declaration, at + 1)) {
+            ++declared;
+        }
+    }
+    EXPECT_EQ(declared, 19U);
+}
+
 TEST(CatalogueCompleteness, RegistersItsMessagesAndFourOthers) {
     Names registered;
     for (auto const& name : SerialRegistry::names()) { registered.insert(name); }

@@ -323,12 +323,27 @@ TEST(NodeInformationMsg, ShowsTheDetailOfCommandClassesWithoutTitles) {
 }
 
 TEST(NodeInformationMsg, ShowsAllOfANodeAfterASeparatorAndATitle) {
-    auto const device = makeDevice(5);
-    StringVecVec expected{{""}, {"Node Information: "}};
-    device->accumulateDisplay(expected);
-    auto const rows = shown(DisplayOption::all, mapOf({device}));
-    EXPECT_EQ(rows, expected);
-    EXPECT_EQ(rows[2], (Row{"Address:", "c0ffee01:5"}));
+    EXPECT_EQ(shown(DisplayOption::all, mapOf({makeDevice(5)})), (StringVecVec{{""},
+                                                                               {"Node Information: "},
+                                                                               {"Address:", "c0ffee01:5"},
+                                                                               {"Manufacturer id:", "zorv"},
+                                                                               {"Product type:", "0001"},
+                                                                               {"Product id:", "0002"},
+                                                                               {"Capability:", "none|version0"},
+                                                                               {"Security:", "none"},
+                                                                               {"Basic device type:", "routingSlave"},
+                                                                               {"Generic device type:", "switchBinary"},
+                                                                               {"Specific device type:", "0x03"},
+                                                                               {"Slave:", "1"},
+                                                                               {"Virtual:", "0"},
+                                                                               {"Repeater:", "0"},
+                                                                               {"Device network status:", "unknown"},
+                                                                               {"Device status:", "unknown"},
+                                                                               {"Device lights:", "unknown"},
+                                                                               {"Security status:", "unknown"},
+                                                                               {"Wake status:", "unknown"},
+                                                                               {"Command classes:", "0"},
+                                                                               {"Configuration errors:", "0"}}));
 }
 
 TEST(NodeInformationMsg, ShowsTheAgentOfANodeAfterIt) {
@@ -351,9 +366,12 @@ TEST(NodeInformationMsg, LeavesOutAnAgentThatIsEmpty) {
 }
 
 TEST(NodeInformationMsg, ShowsAgentsOnlyWithAll) {
-    NodeInformationMsg message(GetNodesOp::set, DisplayOption::none, mapOf({makeDevice(5)}));
-    message.agentData({{ZwaveAddress(homeId, 5), AgentData::create(1, "u", "r", "d", "v")}});
-    EXPECT_EQ(shown(message).size(), 2U);
+    for (auto const option : {DisplayOption::none, DisplayOption::info, DisplayOption::status,
+                              DisplayOption::cmdClasses, DisplayOption::cmdClassDetail}) {
+        NodeInformationMsg message(GetNodesOp::set, option, mapOf({makeDevice(5)}));
+        message.agentData({{ZwaveAddress(homeId, 5), AgentData::create(1, "u", "r", "d", "v")}});
+        EXPECT_EQ(shown(message).size(), 2U) << option;
+    }
 }
 
 TEST(NodeInformationMsg, ShowsDevicesSortedByAddressInEveryOrderOfInsertion) {

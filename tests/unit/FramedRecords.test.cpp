@@ -1,0 +1,66 @@
+// What holds for every record that is referred to, as the suite over the catalogue's list does for messages.
+
+#include "tests/unit/golden.h"
+#include "tests/unit/wire.h"
+
+#include "platform/libzorvshared/Device.h"
+#include "platform/libzorvshared/RawCommand.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
+
+#include <gtest/gtest.h>
+
+namespace zorv {
+namespace {
+
+template <class Record> class FramedRecords : public testing::Test {
+protected:
+    static Json::Value goldenJson() { return toJson(golden(Record::NAME)); }
+
+    static Json::Value blank() { return toJson(*readSerializable("{\"__name__\":\"zorv::" + Record::NAME + "\"}")); }
+
+    static std::vector<std::string> ownKeys() {
+        std::vector<std::string> keys;
+        for (auto const& key : goldenJson().getMemberNames()) {
+            if (key.rfind("__", 0) != 0) { keys.push_back(key); }
+        }
+        return keys;
+    }
+};
+
+using Records = testing::Types<Blob, Device, RawCommand>;
+TYPED_TEST_SUITE(FramedRecords, Records);
+
+TYPED_TEST(FramedRecords, ReadAndWriteTheirGoldenText) {
+    auto const text = golden(TypeParam::NAME);
+    auto const record = readSerializable(text);
+    ASSERT_NE(dynamic_cast<TypeParam const*>(record.get()), nullptr);
+    EXPECT_EQ(wireText(*record), text);
+}
+
+TYPED_TEST(FramedRecords, HaveNoMemberAtItsDefaultInTheirGoldenText) {
+    ASSERT_FALSE(this->ownKeys().empty());
+    for (auto const& key : this->ownKeys()) { EXPECT_NE(this->goldenJson()[key], this->blank()[key]) << key; }
+}
+
+TYPED_TEST(FramedRecords, KeepAMemberAtItsDefaultWhereItsKeyIsAbsent) {
+    for (auto const& key : this->ownKeys()) {
+        auto text = this->goldenJson();
+        text.removeMember(key);
+        auto expected = this->goldenJson();
+        expected[key] = this->blank()[key];
+        EXPECT_EQ(toText(toJson(*readSerializable(toText(text)))), toText(expected)) << key;
+    }
+}
+
+TYPED_TEST(FramedRecords, RefuseAMemberOfAnotherTypeByItsPath) {
+    for (auto const& key : this->ownKeys()) {
+        auto text = this->goldenJson();
+        text[key] = text[key].isObject() ? Json::Value(7) : Json::Value(Json::objectValue);
+        auto const refusal = refusalOfText(toText(text));
+        EXPECT_EQ(refusal.type, "SerializerError") << key;
+        EXPECT_EQ(refusal.text.rfind(key + ": expected ", 0), 0U) << refusal.text;
+    }
+}
+
+} // namespace
+} // namespace zorv
