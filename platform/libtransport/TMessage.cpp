@@ -1,6 +1,7 @@
 #include "platform/libtransport/TMessage.h"
 
 #include "platform/libtransport/MemberTable.h"
+#include "transport/displayRow.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/uuid/nil_generator.hpp>
@@ -53,16 +54,12 @@ void TMessage::print(std::ostream& os) const {
 }
 
 void TMessage::accumulateDisplay(StringVecVec& rows) const {
-    auto const addRow = [&rows](char const* label, auto const& value) {
-        accumulateDisplayValue(rows, 0, std::string(label));
-        accumulateDisplayValue(rows, 1, value);
-    };
-    addRow("Message:", name());
-    addRow("Id:", id_);
-    addRow("Time:", timestamp_);
-    addRow("Priority:", priority_);
-    addRow("Source:", source_);
-    addRow("Role:", role_);
+    displayRow(rows, "Message:", name());
+    displayRow(rows, "Id:", id_);
+    displayRow(rows, "Time:", timestamp_);
+    displayRow(rows, "Priority:", priority_);
+    displayRow(rows, "Source:", source_);
+    displayRow(rows, "Role:", role_);
 }
 
 TypeDescriptor TMessage::describe() {
