@@ -299,12 +299,12 @@ Serializer& colon(Serializer& s) { return s.append(':'); }
 Serializer& comma(Serializer& s) { return s.append(','); }
 
 Serializer& null(Serializer& s) {
-    s.text_ += "null";
+    if (!s.reading_) { s.text_ += "null"; }
     return s;
 }
 
 Serializer& noescape(Serializer& s) {
-    s.escape_ = false;
+    if (!s.reading_) { s.escape_ = false; }
     return s;
 }
 
