@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -23,11 +24,32 @@ std::string printed(ZorvError const& error) {
     return os.str();
 }
 
-/// The frames of a trace without the addresses that differ from process to process.
+/// The frames of a trace, as it prints them.
 std::string printed(StackTrace const& trace) {
     std::ostringstream os;
     trace.print(os);
     return os.str();
+}
+
+/// An error that describes itself in its own words.
+class OutspokenError : public ZorvError {
+public:
+    OutspokenError() : ZorvError("text") {}
+    void print(std::ostream& os) const override { os << "in its own words"; }
+};
+
+TEST(ZorvError, WhatIsWhatTheErrorsOwnPrintWrites) { EXPECT_STREQ(OutspokenError().what(), "in its own words"); }
+
+/// An error whose description cannot be made.
+class SpeechlessError : public ZorvError {
+public:
+    SpeechlessError() : ZorvError("text") {}
+    void print(std::ostream&) const override { throw std::bad_alloc(); }
+};
+
+TEST(ZorvErrorDeathTest, WhatEndsTheProcessWhereTheDescriptionCannotBeMade) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(SpeechlessError().what(), "bad_alloc");
 }
 
 TEST(ZorvError, TwoCallsOfWhatOnTheSameErrorReturnTheSamePointer) {
