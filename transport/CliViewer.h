@@ -27,7 +27,7 @@ public:
     /// Appends the object's rows.
     virtual void accumulateDisplay(StringVecVec& rows) const = 0;
 
-    /// Widths that the object's last accumulateDisplay asked for, by column, in characters; 0 leaves the width to the
+    /// Widths that the object's displays have asked for so far, by column, in characters; 0 leaves the width to the
     /// client, and so does a missing entry.
     std::vector<unsigned int> const& widths() const noexcept { return widths_; }
 
