@@ -82,14 +82,9 @@ function(quillet_tests folder)
     if(NOT sources)
         message(FATAL_ERROR "tests/${folder} has no test")
     endif()
-    add_executable(${folder}-tests ${sources})
+    add_executable(${folder}-tests ${sources} testPaths.cpp)
     set_target_properties(${folder}-tests PROPERTIES ENABLE_EXPORTS ON)
     target_link_libraries(${folder}-tests PRIVATE ${ARGN} GTest::gmock GTest::gtest_main quillet_build_options)
-    target_compile_definitions(${folder}-tests PRIVATE
-        QUILLET_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-        QUILLET_GOLDEN_DIR="${PROJECT_SOURCE_DIR}/tests/golden"
-        QUILLET_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
-        QUILLET_LIBRARY="$<TARGET_FILE:quillet>")
     add_dependencies(${folder}-tests quillet)
     foreach(program IN ITEMS program-zwaved program-quillet)
         if(TARGET ${program})

@@ -1,5 +1,6 @@
 #include "tests/scenario/LineClient.h"
 #include "tests/scenario/Process.h"
+#include "tests/testPaths.h"
 
 #include <gtest/gtest.h>
 
@@ -82,7 +83,7 @@ TEST(BadPeers, OnesThatVanishBeforeTheirAnswersHarmNobody) {
 // The undefined-behaviour sanitizer opens a pipe to look at objects, and takes a pipe that it cannot get for a bad object.
 #ifndef __SANITIZE_ADDRESS__
 TEST(BadPeers, MoreThanTheDaemonHasFileDescriptorsForAreServedOnceOthersLeave) {
-    Process daemon({"/bin/sh", "-c", "ulimit -n 24; exec \"$0\" --port 0", program("zwaved")});
+    Process daemon({"/bin/sh", "-c", "ulimit -n 24; exec \"$0\" --port 0", zorv::programPath("zwaved")});
     auto const announcement = daemon.readLine();
     auto const port = static_cast<unsigned short>(std::stoul(announcement.substr(announcement.rfind(':') + 1)));
     std::vector<std::unique_ptr<LineClient>> crowd;

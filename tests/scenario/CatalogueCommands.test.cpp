@@ -1,4 +1,5 @@
 #include "tests/scenario/OfflineClient.h"
+#include "tests/testPaths.h"
 #include "tests/unit/golden.h"
 
 #include <gmock/gmock.h>
@@ -23,7 +24,8 @@ protected:
     /// Gives the lines to `quillet decode`.
     int decode(std::string const& lines, std::string const& option = "") {
         auto const file = directory_.write("lines", lines);
-        return finish({"/bin/sh", "-c", "exec \"$0\" decode " + option + " < \"$1\"", program("quillet"), file});
+        return finish(
+            {"/bin/sh", "-c", "exec \"$0\" decode " + option + " < \"$1\"", zorv::programPath("quillet"), file});
     }
 };
 

@@ -1,6 +1,7 @@
 #include "platform/libtransport/EventLoop.h"
 #include "platform/libtransport/TcpListener.h"
 #include "tests/scenario/Process.h"
+#include "tests/testPaths.h"
 
 #include <boost/asio/ip/tcp.hpp>
 
@@ -67,7 +68,7 @@ TEST(ClientExitCodes, SuccessIsZero) {
 TEST(ClientExitCodes, HelpAndVersionAreZero) {
     EXPECT_EQ(0, exitCode(1, {"--help"}));
     EXPECT_EQ(0, exitCode(1, {"ping", "--help"}));
-    Process version({program("quillet"), "--version"});
+    Process version({programPath("quillet"), "--version"});
     EXPECT_EQ("quillet 0.1.0", version.readLine());
     EXPECT_EQ(0, version.wait());
 }
@@ -142,7 +143,7 @@ TEST(ClientExitCodes, NoAnswerInTimeIsFour) {
 }
 
 TEST(ClientExitCodes, RefusalWithinASeriesOutranksATimeOut) {
-    DaemonProcess const daemon({"--network", QUILLET_SOURCE_DIR "/tests/scenario/lossy.json"});
+    DaemonProcess const daemon({"--network", sourcePath("tests/scenario/lossy.json")});
     Process client(clientCommand(daemon.port(), {"--timeout", "5", "ping", "5", "--count", "20", "--interval", "0"}));
     EXPECT_EQ(1, client.wait());
     EXPECT_EQ(21U, client.restOfOutput().size()); // the series went on to its end
@@ -197,7 +198,7 @@ TEST(ClientExitCodes, ReaderThatHasSeenEnoughEndsTheClientQuietly) {
 TEST(ClientExitCodes, FullDiskIsSix) {
     DaemonProcess const daemon;
     Process client({"/bin/sh", "-c", "exec \"$0\" --port " + std::to_string(daemon.port()) + " ping 1 > /dev/full",
-                    program("quillet")});
+                    programPath("quillet")});
     EXPECT_EQ(6, client.wait());
     EXPECT_EQ("quillet: cannot write the output: No space left on device\n", client.errors());
 }

@@ -1,5 +1,6 @@
 #include "tests/scenario/LineClient.h"
 #include "tests/scenario/Process.h"
+#include "tests/testPaths.h"
 #include "tests/unit/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +34,7 @@ TEST(DaemonLifecycle, TermAndIntEndItInOrderAndFreeThePort) {
         EXPECT_TRUE(daemon.restOfOutput().empty());
         EXPECT_EQ("", daemon.errors());
         EXPECT_TRUE(client.endsAfter(0));
-        Process successor({program("zwaved"), "--port", std::to_string(daemon.port())});
+        Process successor({zorv::programPath("zwaved"), "--port", std::to_string(daemon.port())});
         EXPECT_EQ("listening on 127.0.0.1:" + std::to_string(daemon.port()), successor.readLine());
     }
 }
@@ -41,7 +42,7 @@ TEST(DaemonLifecycle, TermAndIntEndItInOrderAndFreeThePort) {
 TEST(DaemonLifecycle, PortThatIsTakenIsAnError) {
     DaemonProcess const first;
     auto const port = std::to_string(first.port());
-    Process second({program("zwaved"), "--port", port});
+    Process second({zorv::programPath("zwaved"), "--port", port});
     EXPECT_EQ(1, second.wait());
     EXPECT_EQ("zwaved: cannot listen on 127.0.0.1:" + port + ": Address already in use\n", second.errors());
     EXPECT_TRUE(second.restOfOutput().empty());
@@ -52,7 +53,7 @@ TEST(DaemonLifecycle, WrongUsageIsTwo) {
                                                       {"--listen", "everywhere"}, {"--max-line", "x"},
                                                       {"--log-level", "loud"},    {"surplus"}};
     for (auto const& arguments : wrong) {
-        std::vector<std::string> command{program("zwaved")};
+        std::vector<std::string> command{zorv::programPath("zwaved")};
         command.insert(command.end(), arguments.begin(), arguments.end());
         Process daemon(command);
         EXPECT_EQ(2, daemon.wait()) << arguments.front();
@@ -88,7 +89,7 @@ class NetworkFile : public testing::Test {
 protected:
     void expectComplaint(std::string const& text, std::string const& complaint) {
         auto const file = directory_.write("net.json", text);
-        Process daemon({program("zwaved"), "--port", "0", "--network", file});
+        Process daemon({zorv::programPath("zwaved"), "--port", "0", "--network", file});
         EXPECT_EQ(1, daemon.wait());
         EXPECT_EQ("zwaved: " + file + complaint + "\n", daemon.errors());
         EXPECT_TRUE(daemon.restOfOutput().empty());
@@ -98,7 +99,7 @@ protected:
 };
 
 TEST_F(NetworkFile, ThatTheDocumentationShowsIsRead) {
-    std::ifstream in(QUILLET_SOURCE_DIR "/docs/daemon.md");
+    std::ifstream in(zorv::sourcePath("docs/daemon.md"));
     std::string text;
     bool inside = false;
     for (std::string line; std::getline(in, line);) {
@@ -114,7 +115,7 @@ TEST_F(NetworkFile, ThatTheDocumentationShowsIsRead) {
 }
 
 TEST_F(NetworkFile, ThatIsNotThereIsNamed) {
-    Process daemon({program("zwaved"), "--network", directory_.path("none.json")});
+    Process daemon({zorv::programPath("zwaved"), "--network", directory_.path("none.json")});
     EXPECT_EQ(1, daemon.wait());
     EXPECT_EQ("zwaved: " + directory_.path("none.json") + ": cannot be read: No such file or directory\n",
               daemon.errors());

@@ -1,4 +1,5 @@
 #include "tests/scenario/OfflineClient.h"
+#include "tests/testPaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ protected:
 };
 
 TEST_F(NvmCheck, ShowsWhatAGoodBackupHolds) {
-    EXPECT_EQ(check(QUILLET_GOLDEN_DIR "/ManageNvmMsg.json"), 0);
+    EXPECT_EQ(check(zorv::sourcePath("tests/golden/ManageNvmMsg.json")), 0);
     EXPECT_THAT(lines_, ElementsAre("Result:   success",                            //
                                     "Home id:  c0ffee01",                           //
                                     "Blob      Offset    Size  Checksum  Contents", //
@@ -36,7 +37,7 @@ TEST_F(NvmCheck, ShowsWhatAGoodBackupHolds) {
     EXPECT_EQ(errors_, "");
 }
 
-TEST_F(NvmCheck, TakesTheExampleForGood) { EXPECT_EQ(check(QUILLET_SOURCE_DIR "/examples/nvm-backup.json"), 0); }
+TEST_F(NvmCheck, TakesTheExampleForGood) { EXPECT_EQ(check(zorv::sourcePath("examples/nvm-backup.json")), 0); }
 
 TEST_F(NvmCheck, FindsAFlippedCharacter) {
     EXPECT_EQ(check(directory_.write("backup.json", "[" + routes + "," + flipped + "]")), 1);
@@ -88,13 +89,13 @@ TEST_F(NvmCheck, IsOneJsonObjectWhereAsked) {
                             R"({"checksumHolds":false,"good":false,"name":"flipped","offset":1,"size":4}],"file":")" +
                             path + R"(","good":false,"homeId":5,"result":"success","size":8})"));
 
-    EXPECT_EQ(check(QUILLET_GOLDEN_DIR "/ManageNvmMsg.json", {"--json"}), 0);
+    EXPECT_EQ(check(zorv::sourcePath("tests/golden/ManageNvmMsg.json"), {"--json"}), 0);
     EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("good":true,"homeId":3237998081,"result":"success","size":13})")));
 }
 
 TEST_F(NvmCheck, NeedsAFile) {
-    EXPECT_EQ(Process({program("quillet"), "nvm", "check"}).wait(), 2);
-    EXPECT_EQ(Process({program("quillet"), "nvm"}).wait(), 2);
+    EXPECT_EQ(Process({zorv::programPath("quillet"), "nvm", "check"}).wait(), 2);
+    EXPECT_EQ(Process({zorv::programPath("quillet"), "nvm"}).wait(), 2);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "tests/scenario/Process.h"
+#include "tests/testPaths.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -21,7 +22,7 @@ namespace {
 constexpr int deadlineMs = 30000;
 
 std::vector<std::string> daemonCommand(std::vector<std::string> const& arguments) {
-    std::vector<std::string> command{program("zwaved"), "--port", "0"};
+    std::vector<std::string> command{zorv::programPath("zwaved"), "--port", "0"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }
@@ -133,13 +134,11 @@ void Process::waitForError(std::string const& text) const {
     }
 }
 
-std::string program(std::string const& name) { return QUILLET_BIN_DIR "/" + name; }
-
 DaemonProcess::DaemonProcess(std::vector<std::string> const& arguments)
     : Process(daemonCommand(arguments)), port_(portOf(readLine())) {}
 
 std::vector<std::string> clientCommand(unsigned short port, std::vector<std::string> const& arguments) {
-    std::vector<std::string> command{program("quillet"), "--port", std::to_string(port)};
+    std::vector<std::string> command{zorv::programPath("quillet"), "--port", std::to_string(port)};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }

@@ -48,9 +48,6 @@ private:
     std::string unread_;
 };
 
-/// Path of a program of this build.
-std::string program(std::string const& name);
-
 /// The reference daemon on a free port.
 class DaemonProcess : public Process {
 public:

@@ -2,6 +2,7 @@
 // same classes.
 
 #include "platform/libtransport/SerialRegistrar.h"
+#include "tests/testPaths.h"
 #include "tests/unit/wire.h"
 #include "zwave/libquillet/Catalogue.h"
 #include "zwave/libquillet/support/MessageDescriptor.h"
@@ -37,7 +38,7 @@ Names everything() {
 }
 
 std::string contents(std::string const& file) {
-    std::ifstream stream(QUILLET_SOURCE_DIR "/" + file);
+    std::ifstream stream(sourcePath(file));
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
@@ -45,7 +46,7 @@ TEST(CatalogueCompleteness, HasTwentyEightMessages) { EXPECT_EQ(messages().size(
 
 TEST(CatalogueCompleteness, HasNineteenEnumerationsOfItsOwn) {
     std::size_t declared = 0;
-    for (auto const& entry : boost::filesystem::directory_iterator(QUILLET_SOURCE_DIR "/zwave/libquillet")) {
+    for (auto const& entry : boost::filesystem::directory_iterator(sourcePath("zwave/libquillet"))) {
         if (entry.path().extension() != ".h") { continue; }
         auto const text = contents("zwave/libquillet/" + entry.path().filename().string());
         auto const declaration = std::string("ZORV_ENUM_DECLARE(QUILLET_EXPORT)");
@@ -66,7 +67,7 @@ TEST(CatalogueCompleteness, RegistersItsMessagesAndFourOthers) {
 
 TEST(CatalogueCompleteness, HasAGoldenTextOfEachRegisteredClassAndOfNoOther) {
     Names golden;
-    for (auto const& entry : boost::filesystem::directory_iterator(QUILLET_GOLDEN_DIR)) {
+    for (auto const& entry : boost::filesystem::directory_iterator(sourcePath("tests/golden"))) {
         golden.insert("zorv::" + entry.path().stem().string());
     }
     EXPECT_EQ(golden, everything());

@@ -4,6 +4,7 @@
 
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
+#include "tests/testPaths.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ namespace {
 
 std::vector<std::string> goldenTexts() {
     std::vector<std::filesystem::path> files;
-    for (auto const& entry : std::filesystem::directory_iterator(QUILLET_GOLDEN_DIR)) {
+    for (auto const& entry : std::filesystem::directory_iterator(sourcePath("tests/golden"))) {
         if (entry.path().extension() == ".json") { files.push_back(entry.path()); }
     }
     std::sort(files.begin(), files.end());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/testPaths.h"
+
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -9,7 +11,7 @@ namespace zorv {
 
 /// The hand-written wire text of `name`, such as "PingMsg", without the line end that its file ends with.
 inline std::string golden(std::string const& name) {
-    auto const path = std::string(QUILLET_GOLDEN_DIR "/") + name + ".json";
+    auto const path = sourcePath("tests/golden/" + name + ".json");
     std::ifstream file(path, std::ios::binary);
     if (!file) { throw std::runtime_error("no golden file " + path); }
     std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
