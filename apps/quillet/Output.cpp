@@ -1,10 +1,12 @@
 #include "apps/quillet/Output.h"
 
 #include "apps/quillet/ExitCode.h"
+#include "platform/libzorvlogger/printable.h"
 
 #include <cerrno>
 #include <cstring>
 #include <ostream>
+#include <sstream>
 #include <string>
 
 namespace zorv {
@@ -12,8 +14,9 @@ namespace zorv {
 void Output::show(TMessage const& message) {
     errno = 0;
     if (json_) {
-        message.print(os_);
-        os_ << std::endl;
+        std::ostringstream text;
+        message.print(text);
+        os_ << printableJson(text.str()) << std::endl;
     } else {
         table_.add(message);
     }
@@ -23,7 +26,7 @@ void Output::show(TMessage const& message) {
 void Output::show(StringVecVec const& rows, std::string const& json) {
     errno = 0;
     if (json_) {
-        os_ << json << std::endl;
+        os_ << printableJson(json) << std::endl;
     } else {
         table_.add(rows, {});
     }

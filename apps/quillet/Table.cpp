@@ -1,5 +1,7 @@
 #include "apps/quillet/Table.h"
 
+#include "platform/libzorvlogger/printable.h"
+
 #include <algorithm>
 #include <ostream>
 
@@ -9,13 +11,16 @@ namespace {
 
 constexpr std::size_t gap = 2; // blanks between columns
 
-bool isControl(char c) noexcept { return static_cast<unsigned char>(c) < 0x20U || c == 0x7F; }
+constexpr char const* whiteSpace = "\t\n\v\f\r";
 
 void trimEnd(std::string& text) { text.erase(text.find_last_not_of(' ') + 1); }
 
 void clean(std::string& cell) {
-    std::replace_if(cell.begin(), cell.end(), isControl, ' ');
+    for (auto at = cell.find_first_of(whiteSpace); at != std::string::npos; at = cell.find_first_of(whiteSpace, at)) {
+        cell[at] = ' ';
+    }
     trimEnd(cell);
+    cell = printable(cell);
 }
 
 /// Number of characters of a UTF-8 text.

@@ -11,9 +11,9 @@ namespace zorv {
 
 /// Shows rows as a table of aligned columns, as they come.
 ///
-/// A column is as wide as the message asks for or as the longest of the cells that came so far, whichever is more. Every
-/// control character in a cell is shown as a blank, since a cell may hold what a device or another client sent; white
-/// space at the end of a cell or a line is left out.
+/// A column is as wide as the message asks for or as the longest of the cells that came so far, whichever is more. A cell
+/// may hold what a device or another client sent: a line end or a tab in it is shown as a blank, other control characters
+/// as printable() shows them. White space at the end of a cell or a line is left out.
 class Table {
 public:
     explicit Table(std::ostream& os) : os_(os) {}

@@ -3,6 +3,8 @@
 #include "apps/quillet/Output.h"
 #include "apps/quillet/Seconds.h"
 
+#include "platform/libzorvlogger/printable.h"
+
 #include <CLI/CLI.hpp>
 
 #include <csignal>
@@ -39,6 +41,9 @@ void addTo(CLI::App& app, Options& options) {
     app.add_flag("--json", options.json, "Show answers as JSON, one line each");
 }
 
+/// On standard error; the text may quote a file or the daemon.
+void complain(std::exception const& error) { std::cerr << "quillet: " << zorv::printableLines(error.what()) << '\n'; }
+
 ExitCode run(Options const& options, zorv::Command& command) {
     zorv::Output output(std::cout, options.json);
     return command.run({options.host, options.port, zorv::toMilliseconds(options.timeout)}, output);
@@ -65,10 +70,10 @@ int main(int argc, char** argv) {
     try {
         code = run(options, *byApp.at(app.get_subcommands().front()));
     } catch (zorv::ExitError const& error) {
-        if (*error.what() != '\0') { std::cerr << "quillet: " << error.what() << '\n'; }
+        if (*error.what() != '\0') { complain(error); }
         code = error.code();
     } catch (std::exception const& error) { // the daemon sent what cannot be shown
-        std::cerr << "quillet: " << error.what() << '\n';
+        complain(error);
         code = ExitCode::protocolError;
     }
     return static_cast<int>(code);

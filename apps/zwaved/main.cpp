@@ -2,6 +2,7 @@
 #include "apps/zwaved/readNetwork.h"
 
 #include "platform/libzorvlogger/Logger.h"
+#include "platform/libzorvlogger/printable.h"
 
 #include <CLI/CLI.hpp>
 
@@ -84,7 +85,7 @@ int main(int argc, char** argv) {
     try {
         run(options);
     } catch (std::exception const& error) {
-        std::cerr << "zwaved: " << error.what() << '\n';
+        std::cerr << "zwaved: " << zorv::printableLines(error.what()) << '\n';
         return cannotRun;
     }
     return 0;

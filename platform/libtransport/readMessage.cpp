@@ -2,12 +2,14 @@
 
 #include "platform/libtransport/SerialValue.h"
 #include "platform/libtransport/readSerializable.h"
+#include "platform/libzorvlogger/printable.h"
 
 #include <boost/make_shared.hpp>
 #include <boost/uuid/uuid.hpp>
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace zorv {
 
@@ -17,10 +19,7 @@ constexpr std::size_t longestComplaint = 300;
 
 /// The first line of a complaint, which may quote the peer.
 std::string toLogText(std::string const& complaint) {
-    auto text = complaint.substr(0, std::min(complaint.find('\n'), longestComplaint));
-    auto const isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20U || c == 0x7F; };
-    std::replace_if(text.begin(), text.end(), isControl, '?');
-    return text;
+    return printable(std::string_view(complaint).substr(0, std::min(complaint.find('\n'), longestComplaint)));
 }
 
 /// Makes a header that has nothing of the message but its identity.

@@ -1,5 +1,7 @@
 #include "platform/libzorvlogger/Logger.h"
 
+#include "platform/libzorvlogger/printable.h"
+
 #include <log4cplus/consoleappender.h>
 #include <log4cplus/initializer.h>
 #include <log4cplus/layout.h>
@@ -66,7 +68,7 @@ bool Logger::enabled(LogLevel level) { return theLog().logger().isEnabledFor(toL
 void Logger::log(LogLevel level, std::string const& text, boost::source_location const& where) {
     auto& logger = theLog().logger();
     if (!logger.isEnabledFor(toLog4cplus(level))) { return; }
-    logger.forcedLog(toLog4cplus(level), text, where.file_name(), static_cast<int>(where.line()),
+    logger.forcedLog(toLog4cplus(level), printableLines(text), where.file_name(), static_cast<int>(where.line()),
                      where.function_name());
 }
 

@@ -23,7 +23,7 @@ public:
 
     static bool enabled(LogLevel level);
 
-    /// Writes `text` as one event that carries `where` as its source location.
+    /// Writes `text` as one event that carries `where` as its source location; control characters as printableLines() says.
     static void log(LogLevel level, std::string const& text, boost::source_location const& where);
 };
 

@@ -50,10 +50,16 @@ TEST(ClientTable, RowsMayHaveDifferentLengthsAndNoTrailingBlanks) {
     EXPECT_EQ("a\na      b\n\n       b\n", os.str());
 }
 
-TEST(ClientTable, LineEndsAndOtherControlCharactersDoNotBreakTheTable) {
+TEST(ClientTable, LineEndsAndTabsShowAsBlanks) {
     std::ostringstream os;
-    Table(os).add({{"one\n", "two\nlines", "\x1b[31mred\r\n"}}, {});
-    EXPECT_EQ("one  two lines   [31mred\n", os.str());
+    Table(os).add({{"one\n", "two\nlines", "a\tb\vc\fd\re", "end\r\n"}}, {});
+    EXPECT_EQ("one  two lines  a b c d e  end\n", os.str());
+}
+
+TEST(ClientTable, OtherControlCharactersShowInHexAndAreCountedSo) {
+    std::ostringstream os;
+    Table(os).add({{"\x1b[31mred", "x"}, {"\xc2\x9b", "\xff"}}, {});
+    EXPECT_EQ("\\x1b[31mred  x\n\\xc2\\x9b     \\xff\n", os.str());
 }
 
 TEST(ClientTable, WidthsCountCharactersAndNotBytes) {

@@ -93,6 +93,16 @@ TEST_F(NvmCheck, IsOneJsonObjectWhereAsked) {
     EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("good":true,"homeId":3237998081,"result":"success","size":13})")));
 }
 
+TEST_F(NvmCheck, ShowsANameThatWouldSteerTheTerminalInHex) {
+    auto const path = directory_.write(
+        "backup.json", R"({"name_":"\u001b[2J\u009b1A","offset_":0,"size_":0,"crc_":1,"contents_":""})");
+    EXPECT_EQ(check(path), 1);
+    EXPECT_THAT(lines_, testing::Contains(R"(\x1b[2J\xc2\x9b1A  0         0     differs)"));
+    EXPECT_THAT(errors_, HasSubstr(R"(the blob \x1b[2J\xc2\x9b1A is corrupt)"));
+    EXPECT_EQ(check(path, {"--json"}), 1);
+    EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("name":"\u001b[2J\u009b1A")")));
+}
+
 TEST_F(NvmCheck, NeedsAFile) {
     EXPECT_EQ(Process({zorv::programPath("quillet"), "nvm", "check"}).wait(), 2);
     EXPECT_EQ(Process({zorv::programPath("quillet"), "nvm"}).wait(), 2);

@@ -96,6 +96,13 @@ TEST(Blob, WithAChangedCharacterIsCorruptAndGivesNoBytesWithBothLogLines) {
                                          "DEBUG ManageNvmMsg::getContents: cannot decode base64 vector"));
 }
 
+TEST(Blob, WithAnyNameIsWarnedOfOnOneLine) {
+    LogCapture const log;
+    Blob("a\x1b\n\xc2\x9b", 0, 0, 1, "").checkCrc();
+    EXPECT_THAT(log.lines(),
+                ElementsAre("WARN ManageNvmMsg::checkCrc: crc mismatch, the blob a\\x1b\\x0a\\xc2\\x9b is corrupt"));
+}
+
 TEST(Blob, ThatIsNotBase64GivesNoBytesWithOneLogLineWhereItsChecksumHolds) {
     Blob const blob("digits", 0, 9, 0xCBF43926U, "123456789");
     LogCapture const log;

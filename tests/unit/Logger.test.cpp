@@ -55,5 +55,11 @@ TEST(LogExceptionWarning, NamesTheFunctionTheTextAndTheError) {
     EXPECT_THAT(log.lines(), ElementsAre("WARN restore: cannot read: no such file"));
 }
 
+TEST(Logger, WritesControlCharactersInHex) {
+    LogCapture const log;
+    Logger::log(LogLevel::warn, "the blob \x1b[31m\nred\xff is corrupt", BOOST_CURRENT_LOCATION);
+    EXPECT_THAT(log.lines(), ElementsAre("WARN the blob \\x1b[31m\\x0ared\\xff is corrupt"));
+}
+
 } // namespace
 } // namespace zorv

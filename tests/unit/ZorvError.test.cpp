@@ -154,6 +154,13 @@ TEST(ZorvError, LogsClassNameAndMessageWithTheTraceAsOneWarning) {
     EXPECT_EQ(log.events()[0].text, "zorv::SyntaxError: text\n" + printed(error.trace()));
 }
 
+TEST(ZorvError, LogsAMessageThatStaysOnItsLine) {
+    LogCapture const log;
+    SyntaxError("the peer's \x1b[2J\n2026 WARN forged").log();
+    ASSERT_EQ(log.events().size(), 1U);
+    EXPECT_THAT(log.events()[0].text, StartsWith("zorv::SyntaxError: the peer's \\x1b[2J\\x0a2026 WARN forged\n  #0 "));
+}
+
 TEST(ZorvError, PrintsThroughAStreamThatHasFailedWithoutHarm) {
     SyntaxError const error("text");
     std::ostringstream os;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <string>
+#include <string_view>
+
+namespace zorv {
+
+// Names and texts that come from a file or a peer may hold what steers a terminal or begins a line of the log. These
+// show it instead. A backslash stays as it is, so what was shown once is not changed again.
+
+/// The text with its control characters and the bytes that are not UTF-8 as hex: `\x1b[31m`, `\xc2\x9b`, `\xff`.
+///
+/// Control characters are C0 (line ends included), DEL, and C1 in its UTF-8 form, U+0080 to U+009F.
+ZORV_EXPORT std::string printable(std::string_view text);
+
+/// As above for a text of several lines, such as an error with its stack trace: a line feed stays at the end and before
+/// a line that is indented, so that no text begins a line which looks like an event of its own.
+ZORV_EXPORT std::string printableLines(std::string_view text);
+
+/// JSON of the same value whose strings hold neither DEL nor C1; JSON escapes the others by itself.
+ZORV_EXPORT std::string printableJson(std::string_view json);
+
+} // namespace zorv
