@@ -5,6 +5,7 @@
 
 namespace zorv {
 
+class SerialRegistrar;
 struct TypeDescriptor;
 
 /// What every record that is referred to derives from its member table `Self::Wire::members`, and from its statics

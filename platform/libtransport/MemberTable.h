@@ -107,9 +107,7 @@ inline TypeDescriptor describeType(Type<double>) { return {TypeDescriptor::Kind:
 inline TypeDescriptor describeType(Type<std::string>) { return {TypeDescriptor::Kind::text, "string"}; }
 inline TypeDescriptor describeType(Type<TimeStamp>) { return {TypeDescriptor::Kind::text, "time stamp"}; }
 inline TypeDescriptor describeType(Type<boost::uuids::uuid>) { return {TypeDescriptor::Kind::text, "UUID"}; }
-inline TypeDescriptor describeType(Type<boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>>) {
-    return {TypeDescriptor::Kind::text, "TCP endpoint"};
-}
+inline TypeDescriptor describeType(Type<TcpEndpointValue>) { return {TypeDescriptor::Kind::text, "TCP endpoint"}; }
 
 template <class Integer> TypeDescriptor describeInteger(char const* name) {
     using Limits = std::numeric_limits<Integer>;

@@ -9,9 +9,7 @@ namespace zorv {
 
 namespace {
 
-using Endpoint = boost::asio::ip::tcp::endpoint;
-
-Endpoint toEndpoint(std::string const& text) {
+TcpEndpoint toEndpoint(std::string const& text) {
     auto const colon = text.rfind(':');
     if (colon == std::string::npos) { throw std::invalid_argument("no port"); }
     auto host = text.substr(0, colon);
@@ -55,11 +53,17 @@ Serializer& operator>>(Serializer& s, boost::uuids::uuid& value) {
     });
 }
 
-Serializer& operator<<(Serializer& s, Endpoint const& value) {
+Serializer& operator<<(Serializer& s, TcpEndpoint const& value) {
     auto const host = value.address().to_string();
     return s << (value.address().is_v6() ? '[' + host + ']' : host) + ':' + std::to_string(value.port());
 }
 
-Serializer& operator>>(Serializer& s, Endpoint& value) { return readText(s, value, "TCP endpoint", &toEndpoint); }
+Serializer& operator>>(Serializer& s, TcpEndpoint& value) { return readText(s, value, "TCP endpoint", &toEndpoint); }
+
+Serializer& operator<<(Serializer& s, TcpEndpointValue const& value) { return s << value.get(); }
+
+Serializer& operator>>(Serializer& s, TcpEndpointValue& value) {
+    return readText(s, value, "TCP endpoint", &toEndpoint);
+}
 
 } // namespace zorv

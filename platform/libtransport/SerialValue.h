@@ -3,9 +3,9 @@
 #include "platform/libtransport/EnumDeclaration.h"
 #include "platform/libtransport/Serializable.h"
 #include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/TcpEndpoint.h"
 #include "platform/libtransport/TimeStamp.h"
 
-#include <boost/asio/ip/basic_endpoint.hpp>
 #include <boost/shared_ptr.hpp>
 #include <boost/unordered_map.hpp>
 #include <boost/uuid/uuid.hpp>
@@ -18,10 +18,6 @@
 #include <vector>
 
 // How the member types of messages and records are written and read, beyond what the Serializer knows itself.
-
-namespace boost::asio::ip {
-class tcp;
-} // namespace boost::asio::ip
 
 namespace zorv {
 
@@ -45,8 +41,10 @@ ZORV_EXPORT Serializer& operator<<(Serializer& s, TimeStamp const& value);
 ZORV_EXPORT Serializer& operator>>(Serializer& s, TimeStamp& value);
 ZORV_EXPORT Serializer& operator<<(Serializer& s, boost::uuids::uuid const& value);
 ZORV_EXPORT Serializer& operator>>(Serializer& s, boost::uuids::uuid& value);
-ZORV_EXPORT Serializer& operator<<(Serializer& s, boost::asio::ip::basic_endpoint<boost::asio::ip::tcp> const& value);
-ZORV_EXPORT Serializer& operator>>(Serializer& s, boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>& value);
+ZORV_EXPORT Serializer& operator<<(Serializer& s, TcpEndpoint const& value);
+ZORV_EXPORT Serializer& operator>>(Serializer& s, TcpEndpoint& value);
+ZORV_EXPORT Serializer& operator<<(Serializer& s, TcpEndpointValue const& value);
+ZORV_EXPORT Serializer& operator>>(Serializer& s, TcpEndpointValue& value);
 
 // ---- records: an object of their own
 
@@ -141,8 +139,8 @@ template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Ma
         s.element(i);
         requireArray(s);
         if (s.size() < 2) { s.fail("expected a key and a value, got " + std::to_string(s.size()) + " elements"); }
-        typename Map::key_type key;
-        typename Map::mapped_type value;
+        typename Map::key_type key{};
+        typename Map::mapped_type value{};
         s.element(0) >> key;
         s.element(1) >> value;
         map.emplace(std::move(key), std::move(value));

@@ -58,7 +58,7 @@ void TMessage::accumulateDisplay(StringVecVec& rows) const {
     displayRow(rows, "Id:", id_);
     displayRow(rows, "Time:", timestamp_);
     displayRow(rows, "Priority:", priority_);
-    displayRow(rows, "Source:", source_);
+    displayRow(rows, "Source:", source());
     displayRow(rows, "Role:", role_);
 }
 

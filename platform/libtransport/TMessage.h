@@ -5,15 +5,11 @@
 #include "platform/libtransport/MessageRole.h"
 #include "platform/libtransport/Priority.h"
 #include "platform/libtransport/Serializable.h"
+#include "platform/libtransport/TcpEndpoint.h"
 #include "platform/libtransport/TimeStamp.h"
 #include "transport/CliViewer.h"
 
-#include <boost/asio/ip/basic_endpoint.hpp>
 #include <boost/uuid/uuid.hpp>
-
-namespace boost::asio::ip {
-class tcp;
-} // namespace boost::asio::ip
 
 namespace zorv {
 
@@ -22,7 +18,7 @@ struct TypeDescriptor;
 /// Base of every message: its header, which says which message it is, since when, from whom and in answer to what.
 class ZORV_EXPORT TMessage : public Serializable, public Message, public CliViewer {
 public:
-    using Endpoint = boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>;
+    using Endpoint = TcpEndpoint;
 
     /// A message of its own: with a fresh identity, made now, of normal priority and without a role.
     TMessage();
@@ -43,7 +39,7 @@ public:
     boost::uuids::uuid const& id() const noexcept { return id_; }
     TimeStamp const& timestamp() const noexcept { return timestamp_; }
     Priority::Enum priority() const noexcept { return priority_; }
-    Endpoint const& source() const noexcept { return source_; }
+    Endpoint const& source() const noexcept { return source_.get(); }
     MessageRole::Enum role() const noexcept { return role_; }
 
     /// Identity of the message that this one answers; nil where it answers none.
@@ -68,7 +64,7 @@ private:
     boost::uuids::uuid id_;
     TimeStamp timestamp_;
     Priority::Enum priority_ = Priority::normal;
-    Endpoint source_;
+    TcpEndpointValue source_;
     MessageRole::Enum role_ = MessageRole::none;
     boost::uuids::uuid correlation_;
 };

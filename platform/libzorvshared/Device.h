@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/libtransport/FramedOf.h"
-#include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libzorvshared/CommandClassInfo.h"
 #include "platform/libzorvshared/CommandClassType.h"
 #include "platform/libzorvshared/DeviceInfo.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/libtransport/FramedOf.h"
-#include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libzorvshared/GenericCommand.h"
 
 #include <string>

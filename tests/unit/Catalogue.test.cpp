@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <boost/asio/ip/tcp.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
 #include <algorithm>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libzorvshared/ZResult.h"
 #include "zwave/libquillet/support/MessageOf.h"
 

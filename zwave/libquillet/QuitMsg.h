@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libtransport/TMessage.h"
 #include "zwave/libquillet/support/MessageOf.h"
 

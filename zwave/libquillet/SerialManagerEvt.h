@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/libtransport/EnumDeclaration.h"
-#include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libtransport/TMessage.h"
 #include "zwave/libquillet/support/MessageOf.h"
 

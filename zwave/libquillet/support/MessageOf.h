@@ -10,6 +10,7 @@
 
 namespace zorv {
 
+class SerialRegistrar;
 struct MessageDescriptor;
 
 /// Gives confirmable messages their `clone`; the others have none.
