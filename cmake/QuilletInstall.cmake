@@ -15,7 +15,7 @@ install(FILES "${PROJECT_BINARY_DIR}/quilletConfig.cmake" "${PROJECT_BINARY_DIR}
 # The prefix in the file is worked out from the file's own place, so an installed tree can be moved.
 file(RELATIVE_PATH quillet_prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 get_property(quillet_pc_libs GLOBAL PROPERTY quillet_libraries)
-list(REMOVE_ITEM quillet_pc_libs message_bus)
+list(REMOVE_ITEM quillet_pc_libs message_bus io)
 list(REVERSE quillet_pc_libs)
 list(TRANSFORM quillet_pc_libs PREPEND "-l")
 list(JOIN quillet_pc_libs " " quillet_pc_libs)

@@ -1,6 +1,6 @@
 #include "apps/quillet/Session.h"
 
-#include "platform/libtransport/connectTcp.h"
+#include "platform/libio/connectTcp.h"
 
 #include <csignal>
 #include <typeinfo>

@@ -2,8 +2,8 @@
 
 #include "apps/quillet/ExitCode.h"
 
+#include "platform/libio/EventLoop.h"
 #include "platform/libmessage_bus/MessageBus.h"
-#include "platform/libtransport/EventLoop.h"
 #include "platform/libzorvshared/ZResult.h"
 #include "zwave/libquillet/Confirmable.h"
 

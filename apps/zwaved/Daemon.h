@@ -2,9 +2,9 @@
 
 #include "apps/zwaved/SimulatedNetwork.h"
 
+#include "platform/libio/EventLoop.h"
+#include "platform/libio/TcpListener.h"
 #include "platform/libmessage_bus/MessageBus.h"
-#include "platform/libtransport/EventLoop.h"
-#include "platform/libtransport/TcpListener.h"
 #include "zwave/libquillet/PingMsg.h"
 
 #include <chrono>

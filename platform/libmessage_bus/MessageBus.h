@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/EventLoop.h"
+#include "platform/libio/EventLoop.h"
+#include "platform/libio/TcpConnection.h"
 #include "platform/libtransport/TConfirmable.h"
-#include "platform/libtransport/TcpConnection.h"
 #include "platform/libtransport/readMessage.h"
 
 #include <boost/shared_ptr.hpp>

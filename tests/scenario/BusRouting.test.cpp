@@ -1,6 +1,6 @@
+#include "platform/libio/TcpListener.h"
+#include "platform/libio/connectTcp.h"
 #include "platform/libmessage_bus/MessageBus.h"
-#include "platform/libtransport/TcpListener.h"
-#include "platform/libtransport/connectTcp.h"
 #include "tests/scenario/runLoop.h"
 #include "tests/unit/LogCapture.h"
 #include "zwave/libquillet/CliDisplayMsg.h"

@@ -1,5 +1,5 @@
-#include "platform/libtransport/EventLoop.h"
-#include "platform/libtransport/TcpListener.h"
+#include "platform/libio/EventLoop.h"
+#include "platform/libio/TcpListener.h"
 #include "tests/scenario/Process.h"
 #include "tests/testPaths.h"
 

@@ -1,5 +1,5 @@
+#include "platform/libio/connectTcp.h"
 #include "platform/libmessage_bus/MessageBus.h"
-#include "platform/libtransport/connectTcp.h"
 #include "tests/scenario/Process.h"
 #include "tests/scenario/runLoop.h"
 #include "zwave/libquillet/PingMsg.h"

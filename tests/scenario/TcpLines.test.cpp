@@ -1,5 +1,5 @@
-#include "platform/libtransport/TcpListener.h"
-#include "platform/libtransport/connectTcp.h"
+#include "platform/libio/TcpListener.h"
+#include "platform/libio/connectTcp.h"
 #include "tests/scenario/LineClient.h"
 #include "tests/scenario/runLoop.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/EventLoop.h"
+#include "platform/libio/EventLoop.h"
 
 #include <gtest/gtest.h>
 

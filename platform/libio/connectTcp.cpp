@@ -1,7 +1,7 @@
-#include "platform/libtransport/connectTcp.h"
+#include "platform/libio/connectTcp.h"
 
-#include "platform/libtransport/EventLoop.h"
-#include "platform/libtransport/TcpSocket.h"
+#include "platform/libio/EventLoop.h"
+#include "platform/libio/TcpSocket.h"
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>

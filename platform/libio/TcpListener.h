@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/TcpConnection.h"
+#include "platform/libio/TcpConnection.h"
 
 #include <functional>
 #include <memory>

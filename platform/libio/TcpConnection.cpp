@@ -1,6 +1,6 @@
-#include "platform/libtransport/TcpConnection.h"
+#include "platform/libio/TcpConnection.h"
 
-#include "platform/libtransport/TcpSocket.h"
+#include "platform/libio/TcpSocket.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>

@@ -1,7 +1,7 @@
-#include "platform/libtransport/TcpListener.h"
+#include "platform/libio/TcpListener.h"
 
-#include "platform/libtransport/EventLoop.h"
-#include "platform/libtransport/TcpSocket.h"
+#include "platform/libio/EventLoop.h"
+#include "platform/libio/TcpSocket.h"
 #include "platform/libzorvlogger/Logger.h"
 
 #include <boost/asio/io_context.hpp>

@@ -1,4 +1,4 @@
-#include "platform/libtransport/EventLoop.h"
+#include "platform/libio/EventLoop.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
