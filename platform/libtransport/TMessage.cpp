@@ -1,26 +1,16 @@
 #include "platform/libtransport/TMessage.h"
 
 #include "platform/libtransport/MemberTable.h"
+#include "platform/libtransport/freshIdentity.h"
 #include "transport/displayRow.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/uuid/nil_generator.hpp>
-#include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
 #include <ostream>
 
 namespace zorv {
-
-namespace {
-
-boost::uuids::uuid freshIdentity() {
-    // Seeding takes a system call, drawing does not.
-    static thread_local boost::uuids::random_generator_mt19937 generator;
-    return generator();
-}
-
-} // namespace
 
 struct TMessage::Wire {
     static constexpr auto members =
