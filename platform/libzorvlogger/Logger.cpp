@@ -35,6 +35,8 @@ public:
         console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%D{%Y-%m-%dT%H:%M:%S.%q} %p %m%n"));
         console_->setThreshold(log4cplus::WARN_LOG_LEVEL);
         root.addAppender(console_);
+        // log4cplus starts four threads for asynchronous appenders as it is loaded. Here is none: it keeps one of them.
+        log4cplus::setThreadPoolSize(0);
     }
 
     log4cplus::Logger& logger() { return logger_; }
