@@ -20,12 +20,15 @@ add_library(quillet_build_options INTERFACE)
 # A GNU-unique symbol pins its library in memory: libquillet.so must leave the process on dlclose.
 target_compile_options(quillet_build_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 
-if(QUILLET_WERROR)
+if(QUILLET_WARNINGS)
     target_compile_options(quillet_build_options INTERFACE
-        -Wall -Wextra -Wpedantic -Werror
+        -Wall -Wextra -Wpedantic
         -Wcast-align -Wcast-qual -Wconversion -Wextra-semi -Wformat=2 -Wnon-virtual-dtor -Wold-style-cast
         -Woverloaded-virtual -Wshadow -Wsign-conversion -Wswitch-enum -Wundef -Wunused
         $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op -Wsuggest-override>)
+endif()
+if(QUILLET_WERROR)
+    target_compile_options(quillet_build_options INTERFACE -Werror)
 endif()
 
 if(QUILLET_SANITIZE)

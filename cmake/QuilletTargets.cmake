@@ -9,49 +9,66 @@ function(quillet_find_sources out pattern)
     set(${out} "${sources}" PARENT_SCOPE)
 endfunction()
 
-# quillet_library(<name> [PUBLIC <target>...] [PRIVATE <target>...])
+# quillet_library(<name> [PUBLIC <target>...] [PRIVATE <target>...] [HEADERS <file>...])
 #
-# The folder's sources as the shared library lib<name>.so, known as quillet::<name>, with its headers installed
-# in the place that they have in this tree. A folder that has only headers is an interface library.
+# The folder's sources as the shared library lib<name>.so, known as quillet::<name>, with the folder's headers and
+# those of HEADERS installed in the place that they have in this tree. A folder that has only headers is an interface
+# library. The CMake target is quillet_<name>, or the bare name where that is the project's.
 function(quillet_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "PUBLIC;PRIVATE;HEADERS")
+    set(target quillet_${name})
+    if(name STREQUAL PROJECT_NAME)
+        set(target ${name})
+    endif()
     quillet_find_sources(sources "*.cpp")
     if(sources)
-        add_library(${name} SHARED ${sources})
-        set_target_properties(${name} PROPERTIES
+        add_library(${target} SHARED ${sources})
+        set_target_properties(${target} PROPERTIES
+            OUTPUT_NAME ${name}
             CXX_VISIBILITY_PRESET hidden
             VISIBILITY_INLINES_HIDDEN ON
             INSTALL_RPATH "$ORIGIN"
+            LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map"
             VERSION ${PROJECT_VERSION}
             SOVERSION ${PROJECT_VERSION_MAJOR})
-        target_compile_features(${name} PUBLIC cxx_std_17)
-        target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:quillet_build_options>)
-        set_property(GLOBAL APPEND PROPERTY quillet_libraries ${name})
+        target_compile_features(${target} PUBLIC cxx_std_17)
+        target_link_libraries(${target}
+            PUBLIC ${arg_PUBLIC}
+            PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:quillet_build_options>)
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
+        set_property(GLOBAL APPEND PROPERTY quillet_libraries ${target})
         # Without this a library that forgot a dependency is only found out by the program that loads it.
         if(NOT QUILLET_SANITIZE)
-            target_link_options(${name} PRIVATE LINKER:--no-undefined)
+            target_link_options(${target} PRIVATE LINKER:--no-undefined)
         endif()
         set(scope PUBLIC)
     else()
-        add_library(${name} INTERFACE)
-        target_link_libraries(${name} INTERFACE ${arg_PUBLIC})
+        add_library(${target} INTERFACE)
+        target_compile_features(${target} INTERFACE cxx_std_17)
+        target_link_libraries(${target} INTERFACE ${arg_PUBLIC})
         set(scope INTERFACE)
     endif()
-    target_include_directories(${name} ${scope}
-        "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
-        "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/quillet>")
-    add_library(quillet::${name} ALIAS ${name})
-    quillet_install_headers()
-    install(TARGETS ${name} EXPORT quilletTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
+    add_library(quillet::${name} ALIAS ${target})
+
+    # Every header of the folder, but those that only the library's own sources may include.
+    quillet_find_sources(headers "*.h")
+    list(FILTER headers EXCLUDE REGEX "Impl\\.h$")
+    target_sources(${target} ${scope} FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${headers} ${arg_HEADERS})
+
+    install(TARGETS ${target} EXPORT quilletTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
+        FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/quillet" COMPONENT Development)
 endfunction()
 
-# Every header of the folder, but those that only the library's own sources may include (*Impl.h).
-function(quillet_install_headers)
-    file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
-    install(DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}/"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/quillet/${folder}"
-        FILES_MATCHING PATTERN "*.h"
-        PATTERN "*Impl.h" EXCLUDE)
+# quillet_always_loaded(<name>)
+#
+# A program that only reads names by their text and calls nothing of the library keeps it all the same, also where the
+# linker drops what a program does not call (--as-needed).
+function(quillet_always_loaded name)
+    target_link_options(${name} INTERFACE
+        "$<BUILD_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:${name}>,--pop-state>"
+        "$<INSTALL_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:quillet::${name}>,--pop-state>")
 endfunction()
 
 # quillet_program(<name> <target>...)
@@ -69,7 +86,7 @@ function(quillet_program name)
         INSTALL_RPATH "$ORIGIN/${libraries}"
         ENABLE_EXPORTS ON)
     target_link_libraries(program-${name} PRIVATE ${ARGN} quillet_build_options)
-    install(TARGETS program-${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(TARGETS program-${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
 endfunction()
 
 # quillet_tests(<folder> <target>...)
