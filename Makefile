@@ -7,7 +7,7 @@ PRESET ?= dev
 
 help: ## show this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-8s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
-	@echo "PRESET=dev|release|asan|tsan chooses how to build (now: $(PRESET))"
+	@echo "PRESET=dev|release|clang|asan|tsan chooses how to build (now: $(PRESET))"
 
 setup: ## install the Debian packages that are missing (as root or through sudo)
 	@scripts/setup build test
