@@ -1,14 +1,10 @@
 #pragma once
 
-#include "platform/libtransport/printOctet.h"
-#include "platform/libzorvlogger/Logger.h"
-
+#include <boost/config.hpp>
 #include <boost/current_function.hpp>
 
 #include <cstddef>
-#include <locale>
-#include <sstream>
-#include <stdexcept>
+#include <iosfwd>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -20,9 +16,12 @@ namespace zorv {
 using StringVecVec = std::vector<std::vector<std::string>>;
 
 /// Base of everything that shows itself as rows of the command-line client's tables.
+///
+/// The platform's message base derives from it, so this header uses nothing of the platform; what is not a template is
+/// defined in libtransport.
 class BOOST_SYMBOL_VISIBLE CliViewer {
 public:
-    virtual ~CliViewer() = default;
+    virtual ~CliViewer();
 
     /// Appends the object's rows.
     virtual void accumulateDisplay(StringVecVec& rows) const = 0;
@@ -34,15 +33,12 @@ public:
     /// Writes one cell: column 0 starts a new row, any other column goes into the last row, which grows with empty
     /// cells as needed. A cell that holds a text already is overwritten with a warning.
     ///
-    /// Errors: std::out_of_range for another column than 0 in an empty table.
+    /// A value that is neither a number nor a text shows as its `print` writes it, or else its `operator<<`.
+    ///
+    /// Errors: std::out_of_range for another column than 0 in an empty table, and for one that no row can have.
     template <class T> static void accumulateDisplayValue(StringVecVec& rows, std::size_t column, T const& value) {
         if (column == 0) { rows.emplace_back(); }
-        auto text = format(value);
-        if (rows.empty()) { throw std::out_of_range("accumulateDisplayValue: no row for this column"); }
-        auto& row = rows.back();
-        if (row.size() <= column) { row.resize(column + 1); }
-        if (!row[column].empty()) { warnAboutSetColumn(BOOST_CURRENT_FUNCTION); }
-        row.at(column) = std::move(text);
+        setCell(rows, column, format(value), BOOST_CURRENT_FUNCTION);
     }
 
 protected:
@@ -51,10 +47,9 @@ protected:
     CliViewer& operator=(CliViewer const&) = default;
 
     /// Asks for the width of a column; columns before it that nobody asked for are left to the client.
-    void width(std::size_t column, unsigned int characters) const {
-        if (widths_.size() <= column) { widths_.resize(column + 1, 0); }
-        widths_[column] = characters;
-    }
+    ///
+    /// Errors: std::out_of_range for a column that no table can have.
+    void width(std::size_t column, unsigned int characters) const;
 
 private:
     template <class T, class = void> struct Prints : std::false_type {};
@@ -63,25 +58,35 @@ private:
         : std::true_type {};
 
     template <class T> static std::string format(T const& value) {
-        std::ostringstream os;
-        os.imbue(std::locale::classic()); // numbers are plain decimals, whatever the client's locale makes of them
-        if constexpr (std::is_same_v<T, unsigned char>) {
-            printOctet(os, value);
-        } else if constexpr (Prints<T>::value) {
-            value.print(os);
+        if constexpr (std::is_same_v<T, bool>) {
+            return value ? "1" : "0";
+        } else if constexpr (std::is_same_v<T, unsigned char>) {
+            return formatOctet(value);
+        } else if constexpr (std::is_same_v<T, char> || std::is_same_v<T, signed char>) {
+            return std::string(1, static_cast<char>(value));
+        } else if constexpr (std::is_integral_v<T>) {
+            return std::to_string(value);
+        } else if constexpr (std::is_convertible_v<T const&, char const*>) {
+            return formatText(value);
         } else {
-            os << value;
+            return formatBy(&write<T>, &value);
         }
-        return os.str();
     }
 
     static std::string format(std::string const& value) { return value; }
 
-    static void warnAboutSetColumn(char const* function) {
-        // Log filters of the field match this place, so it stays the same wherever the code moves.
-        Logger::log(LogLevel::warn, "accumulateDisplayValue: resetting already set column",
-                    boost::source_location("transport/CliViewer", 125, function));
+    template <class T> static void write(std::ostream& os, void const* value) {
+        if constexpr (Prints<T>::value) {
+            static_cast<T const*>(value)->print(os);
+        } else {
+            os << *static_cast<T const*>(value);
+        }
     }
+
+    static std::string formatOctet(unsigned char value);
+    static std::string formatText(char const* text);
+    static std::string formatBy(void (*write)(std::ostream& os, void const* value), void const* value);
+    static void setCell(StringVecVec& rows, std::size_t column, std::string&& text, char const* function);
 
     mutable std::vector<unsigned int> widths_;
 };

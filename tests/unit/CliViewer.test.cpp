@@ -3,10 +3,12 @@
 #include "platform/libtransport/TResult.h"
 #include "platform/libtransport/TimeStamp.h"
 #include "tests/unit/LogCapture.h"
+#include "tests/unit/errorText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <locale>
@@ -44,6 +46,16 @@ TEST(CliViewer, AnotherColumnThanZeroInAnEmptyTableIsRefused) {
     StringVecVec rows;
     EXPECT_THROW(CliViewer::accumulateDisplayValue(rows, 1, "cell"), std::out_of_range);
     EXPECT_THAT(rows, IsEmpty());
+}
+
+TEST(CliViewer, AColumnThatNoRowCanHaveIsRefused) {
+    auto const longest = Row().max_size();
+    for (auto const column : {longest, std::numeric_limits<std::size_t>::max()}) {
+        StringVecVec rows{{"a"}};
+        EXPECT_EQ(errorText<std::out_of_range>([&] { CliViewer::accumulateDisplayValue(rows, column, "cell"); }),
+                  "accumulateDisplayValue: no row has a column " + std::to_string(column));
+        EXPECT_THAT(rows, ElementsAre(Row{"a"}));
+    }
 }
 
 TEST(CliViewer, AColumnBeyondTheRowGrowsItWithEmptyCells) {
@@ -101,7 +113,20 @@ TEST(CliViewerDeathTest, WarnsInAProcessThatHasNotPreparedTheLog) {
 
 TEST(CliViewer, ATextLiteralShowsAsItIs) { EXPECT_EQ(cellOf("a \"b\"\t"), "a \"b\"\t"); }
 
-TEST(CliViewer, ACharacterShowsAsItIs) { EXPECT_EQ(cellOf('x'), "x"); }
+TEST(CliViewer, ACharacterShowsAsItIs) {
+    EXPECT_EQ(cellOf('x'), "x");
+    EXPECT_EQ(cellOf(static_cast<signed char>('x')), "x");
+}
+
+TEST(CliViewer, ANullTextShowsAsNothing) {
+    char const* const none = nullptr;
+    EXPECT_EQ(cellOf(none), "");
+}
+
+TEST(CliViewer, ATextThroughAPointerShowsAsItIs) {
+    char const* const text = "text";
+    EXPECT_EQ(cellOf(text), "text");
+}
 
 TEST(CliViewer, AStringShowsAsItIs) {
     std::string const text("a\0b", 3);
@@ -119,6 +144,13 @@ TEST(CliViewer, AnUnsignedCharShowsAsAnOctet) {
     EXPECT_EQ(cellOf(static_cast<unsigned char>(0)), "00");
     EXPECT_EQ(cellOf(static_cast<unsigned char>(0xFA)), "fa");
 }
+
+TEST(CliViewer, OtherIntegersShowAsDecimals) {
+    EXPECT_EQ(cellOf(static_cast<short>(-2)), "-2");
+    EXPECT_EQ(cellOf(std::numeric_limits<std::uint64_t>::max()), "18446744073709551615");
+}
+
+TEST(CliViewer, ADoubleShowsAsAStreamWritesIt) { EXPECT_EQ(cellOf(1.5), "1.5"); }
 
 TEST(CliViewer, BoolShowsAsOneOrZero) {
     EXPECT_EQ(cellOf(true), "1");
@@ -158,6 +190,13 @@ TEST(CliViewer, AWidthGrowsTheWidthsWithZeros) {
     Viewer const viewer;
     viewer.width(3, 17);
     EXPECT_THAT(viewer.widths(), ElementsAre(0U, 0U, 0U, 17U));
+}
+
+TEST(CliViewer, AWidthOfAColumnThatNoTableCanHaveIsRefused) {
+    Viewer const viewer;
+    EXPECT_EQ(errorText<std::out_of_range>([&] { viewer.width(std::numeric_limits<std::size_t>::max(), 1); }),
+              "width: no row has a column " + std::to_string(std::numeric_limits<std::size_t>::max()));
+    EXPECT_THAT(viewer.widths(), IsEmpty());
 }
 
 TEST(CliViewer, AWidthLeavesTheOthersAsTheyAre) {
