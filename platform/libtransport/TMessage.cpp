@@ -40,6 +40,7 @@ bool TMessage::less(boost::shared_ptr<Message> const& other) const {
 void TMessage::print(std::ostream& os) const {
     Serializer s;
     serialInserter(s);
+    os.width(0); // fill characters are no JSON
     os << s.str();
 }
 

@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <iomanip>
 #include <set>
 #include <sstream>
 #include <string>
@@ -341,6 +342,17 @@ TYPED_TEST(CatalogueMessage, PrintsItsWireTextUnlessItPrintsByHand) {
     std::ostringstream os;
     this->sample()->print(os);
     EXPECT_EQ(os.str() == golden(TypeParam::NAME), !printsByHand(TypeParam::NAME)) << os.str();
+}
+
+TYPED_TEST(CatalogueMessage, PrintsTheSameWhateverWidthTheStreamHasForItsNextItem) {
+    auto const sample = this->sample();
+    std::ostringstream plain;
+    sample->print(plain);
+    std::ostringstream os;
+    os << std::setw(5000);
+    sample->print(os);
+    os << 'x';
+    EXPECT_EQ(os.str(), plain.str() + 'x');
 }
 
 TYPED_TEST(CatalogueMessage, IsCopiedMemberByMember) {

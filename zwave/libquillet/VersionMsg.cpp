@@ -66,6 +66,7 @@ void VersionMsg::print(std::ostream& os) const {
     add("priority_", jsonQuoteValue(toString(priority())));
     add("source_", jsonQuoteValue(boost::lexical_cast<std::string>(source())));
     add(Wire::protocolVersion.key, jsonQuoteValue(protocolVersion_));
+    os.width(0); // fill characters are no JSON
     os << line << '}';
 }
 
