@@ -169,6 +169,31 @@ TEST(NodeInformationMsg, ACopySharesTheDevicesButHasNoAgents) {
     EXPECT_EQ(message.agentData().size(), 1U);
 }
 
+TEST(NodeInformationMsg, AssigningSharesTheDevicesAndLeavesNoAgents) {
+    NodeInformationMsg message(GetNodesOp::set, DisplayOption::all, network());
+    message.result(ZResult::failure);
+    message.agentData({{ZwaveAddress(homeId, 2), AgentData::create(7, "u", "r", "d", "v")}});
+    NodeInformationMsg other;
+    other.agentData({{ZwaveAddress(homeId, 3), AgentData::create(8, "u", "r", "d", "v")}});
+    other = message;
+    EXPECT_EQ(other.operation(), GetNodesOp::set);
+    EXPECT_EQ(other.displayOptions(), DisplayOption::all);
+    EXPECT_EQ(other.devices(), message.devices());
+    EXPECT_EQ(other.id(), message.id());
+    EXPECT_EQ(other.result(), ZResult::failure);
+    EXPECT_TRUE(other.agentData().empty());
+    EXPECT_EQ(message.agentData().size(), 1U);
+}
+
+TEST(NodeInformationMsg, AssigningToItselfKeepsTheAgents) {
+    NodeInformationMsg message(GetNodesOp::set, DisplayOption::all, network());
+    message.agentData({{ZwaveAddress(homeId, 2), AgentData::create(7, "u", "r", "d", "v")}});
+    auto const& same = message;
+    message = same;
+    EXPECT_EQ(message.agentData().size(), 1U);
+    EXPECT_EQ(message.devices().size(), network().size());
+}
+
 TEST(NodeInformationMsg, ACloneAndAResponseHaveNoAgents) {
     NodeInformationMsg message(GetNodesOp::set, DisplayOption::all, network());
     message.agentData({{ZwaveAddress(homeId, 2), AgentData::create(7, "u", "r", "d", "v")}});

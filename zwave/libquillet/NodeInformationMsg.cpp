@@ -48,6 +48,16 @@ struct NodeInformationMsg::Wire {
 
 template class MessageOf<NodeInformationMsg, Confirmable>;
 
+NodeInformationMsg& NodeInformationMsg::operator=(NodeInformationMsg const& other) {
+    if (this == &other) { return *this; }
+    MessageOf::operator=(other);
+    operation_ = other.operation_;
+    displayOptions_ = other.displayOptions_;
+    devices_ = other.devices_;
+    agentData_.clear();
+    return *this;
+}
+
 boost::shared_ptr<NodeInformationMsg>
 NodeInformationMsg::create(GetNodesOp::Enum operation, DisplayOption::Enum displayOptions, DeviceMap const& devices) {
     return boost::make_shared<NodeInformationMsg>(operation, displayOptions, devices);

@@ -46,6 +46,8 @@ public:
           operation_(other.operation_),
           displayOptions_(other.displayOptions_),
           devices_(other.devices_) {}
+    /// As the copy constructor: the agents of both stay behind.
+    NodeInformationMsg& operator=(NodeInformationMsg const& other);
 
     static boost::shared_ptr<NodeInformationMsg> create(GetNodesOp::Enum operation, DisplayOption::Enum displayOptions,
                                                         DeviceMap const& devices);
