@@ -4,19 +4,28 @@
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
 #include "tests/unit/LogCapture.h"
+#include "tests/unit/TemporaryDirectory.h"
+#include "tests/unit/inChildProcess.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
 #include <new>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
 thread_local std::size_t largestAllocation = SIZE_MAX;
+thread_local std::size_t allocationsLeft = SIZE_MAX;
 
 /// Refuses allocations above a size as long as it lives.
 class AllocationLimit {
@@ -27,10 +36,27 @@ public:
     AllocationLimit& operator=(AllocationLimit const&) = delete;
 };
 
+/// Grants some allocations and refuses all that follow, as long as it lives.
+class AllocationCount {
+public:
+    explicit AllocationCount(std::size_t granted) { allocationsLeft = granted; }
+    ~AllocationCount() { allocationsLeft = SIZE_MAX; }
+    AllocationCount(AllocationCount const&) = delete;
+    AllocationCount& operator=(AllocationCount const&) = delete;
+
+    static bool ranOut() { return allocationsLeft == 0; }
+};
+
+bool isGranted(std::size_t size) {
+    if (size > largestAllocation || allocationsLeft == 0) { return false; }
+    if (allocationsLeft != SIZE_MAX) { --allocationsLeft; }
+    return true;
+}
+
 } // namespace
 
 void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
-    return size > largestAllocation ? nullptr : std::malloc(size > 0 ? size : 1);
+    return isGranted(size) ? std::malloc(size > 0 ? size : 1) : nullptr;
 }
 
 void* operator new(std::size_t size) {
@@ -94,6 +120,105 @@ TEST(OutOfMemory, GivesNoBytesOfABlob) {
     EXPECT_TRUE(bytes.empty());
     EXPECT_THAT(log.lines(), testing::ElementsAre("DEBUG ManageNvmMsg::getContents: cannot decode base64 vector"));
 }
+
+TEST(OutOfMemory, NeverMakesABlobThrowWhereverItHappens) {
+    std::string const longName(100, 'n'); // its log line needs memory
+    Blob const good(longName, 0, 4, 4065733082U, "AQIDBA==");
+    Blob const corrupt(longName, 0, 4, 1, "AQIDBA==");
+    OctetVec const bytes(100, 1);
+    std::size_t granted = 0;
+    for (bool ranOut = true; ranOut; ++granted) {
+        Blob filled(longName, 0);
+        OctetVec taken;
+        OctetVec none;
+        bool failed = false;
+        {
+            AllocationCount const count(granted);
+            taken = good.getContents();
+            none = corrupt.getContents();
+            failed = filled.setContents(bytes);
+            ranOut = AllocationCount::ranOut();
+        }
+        EXPECT_TRUE(taken.empty() || taken == (OctetVec{1, 2, 3, 4})) << granted;
+        EXPECT_TRUE(none.empty()) << granted;
+        EXPECT_EQ(failed, filled.contents().empty()) << granted;
+    }
+    EXPECT_GT(granted, 5U);
+}
+
+std::string const backup = R"([{"homeId_":5},{"name_":"a name that does not fit into a small string","offset_":0,)"
+                           R"("size_":4,"crc_":4065733082,"contents_":"AQIDBA=="},{"homeId_":6}])";
+
+/// Results of reading a file with 0, 1, 2, ... allocations, up to the first reading that does not run out of them.
+std::vector<ZResult::Enum> readWithFewAllocations(std::string const& path) {
+    std::vector<ZResult::Enum> results;
+    for (bool ranOut = true; ranOut;) {
+        ManageNvmMsg message;
+        auto result = ZResult::none;
+        {
+            AllocationCount const count(results.size());
+            result = message.read(path);
+            ranOut = AllocationCount::ranOut();
+        }
+        EXPECT_EQ(result == ZResult::success, !message.blobs().empty() && message.homeId() == 6) << results.size();
+        results.push_back(result);
+    }
+    return results;
+}
+
+TEST(OutOfMemory, NeverMakesTheReadingOfABackupThrowWhereverItHappens) {
+    TemporaryDirectory const directory;
+    auto const results = readWithFewAllocations(directory.write("a name of some length for the backup.json", backup));
+    EXPECT_GT(results.size(), 20U);
+    EXPECT_EQ(results.back(), ZResult::success);
+    for (std::size_t i = 0; i + 1 < results.size(); ++i) {
+        EXPECT_THAT(results[i], testing::AnyOf(ZResult::fileNotFound, ZResult::fileReadFailure, ZResult::noBlobs,
+                                               ZResult::success)) // the log gives up by itself
+            << i;
+    }
+    EXPECT_THAT(results, testing::Contains(ZResult::fileReadFailure));
+    EXPECT_THAT(results, testing::Contains(ZResult::noBlobs));
+}
+
+TEST(OutOfMemory, NeverMakesTheReportOfAReadingThrowWhereverItHappens) {
+    TemporaryDirectory const directory;
+    for (auto const& [path, expected] :
+         {std::pair(directory.path("a name of some length that no file has.json"), ZResult::fileNotFound),
+          std::pair(directory.path(), ZResult::fileReadFailure),
+          std::pair(directory.write("a name of some length for rubbish.json", "[{]"), ZResult::noBlobs)}) {
+        auto const results = readWithFewAllocations(path);
+        EXPECT_GT(results.size(), 2U) << path;
+        EXPECT_EQ(results.back(), expected) << path;
+        EXPECT_THAT(results, testing::Not(testing::Contains(ZResult::success))) << path;
+    }
+}
+
+// A sanitizer reserves address space by the terabyte.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+TEST(OutOfMemory, OfTheWholeProcessIsAResultOfReadingABackup) {
+    TemporaryDirectory const directory;
+    std::string text = "[[]";
+    while (text.size() < 6'000'000) { text += ",[]"; }
+    auto const path = directory.write("backup.json", text + "]");
+    auto const readIn = [&](rlim_t megabytes) {
+        return inChildProcess([&] {
+            std::ifstream statm("/proc/self/statm");
+            rlim_t pages = 0;
+            statm >> pages;
+            rlimit const limit{pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + (megabytes << 20U),
+                               RLIM_INFINITY};
+            if (::setrlimit(RLIMIT_AS, &limit) != 0) { return std::string("cannot limit the memory"); }
+            LogCapture const log;
+            auto const result = toString(ManageNvmMsg().read(path));
+            return result + (log.lines().empty() ? "" : ' ' + log.lines().back());
+        });
+    };
+    EXPECT_EQ(readIn(64), "noBlobs WARN ManageNvmMsg::read: cannot parse object, std::bad_alloc");
+    EXPECT_EQ(readIn(1024), "noBlobs"); // there are none
+}
+
+#endif
 
 } // namespace
 } // namespace zorv

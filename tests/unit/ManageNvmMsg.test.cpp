@@ -751,6 +751,49 @@ TEST_F(ReadBackup, TakesLessMemoryThanEightTimesTheFile) {
 
 #endif
 
+// These take much memory themselves, and so come after the measurement.
+
+std::string const tooMuch = cannotParse + "more than 134217728 bytes or 4194304 values";
+
+TEST_F(ReadBackup, RefusesMoreValuesThanMemoryShouldHold) {
+    read(R"([{"homeId_":5},)" + goodBlob + "]");
+    // Each zero but the first stands behind a comma, and there are as many commas and brackets as may be.
+    auto const zeros = [](std::size_t count) {
+        std::string text = "[0";
+        for (std::size_t i = 1; i < count; ++i) { text += ",0"; }
+        return text + "]";
+    };
+    EXPECT_EQ(read(zeros(4194305)), ZResult::Enum(9));
+    EXPECT_THAT(log_.lines(), ElementsAre(tooMuch));
+    EXPECT_THAT(blobNames(), ElementsAre("routes"));
+    EXPECT_EQ(message_.homeId(), 5U);
+
+    log_.clear();
+    EXPECT_EQ(read(zeros(4194304)), ZResult::noBlobs);
+    EXPECT_THAT(log_.lines(), IsEmpty());
+    EXPECT_EQ(message_.homeId(), 0U);
+}
+
+TEST_F(ReadBackup, CountsValuesThatAQuoteInACommentSeemsToHide) {
+    std::string text = "/*\"*/[0";
+    for (int i = 0; i < 4194304; ++i) { text += ",0"; }
+    EXPECT_EQ(read(text + "]"), ZResult::noBlobs);
+    EXPECT_THAT(log_.lines(), ElementsAre(tooMuch));
+}
+
+TEST_F(ReadBackup, RefusesMoreBytesThanMemoryShouldHold) {
+    auto const path = directory_.write("backup.json", "[" + goodBlob + "]");
+    ASSERT_EQ(::truncate(path.c_str(), 134217729), 0); // grows it by a hole
+    EXPECT_EQ(message_.read(path), ZResult::noBlobs);
+    EXPECT_THAT(log_.lines(), ElementsAre(tooMuch));
+    EXPECT_THAT(message_.blobs(), IsEmpty());
+
+    log_.clear();
+    ASSERT_EQ(::truncate(path.c_str(), 134217728), 0);
+    EXPECT_EQ(message_.read(path), ZResult::success); // what follows the value is not looked at
+    EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
 // Nothing that a file holds raises these two, so the log does it, while the second home id is warned of.
 
 std::string const twoHomeIds = R"([{"homeId_":6},)" + goodBlob + R"(,{"homeId_":7}])";

@@ -22,19 +22,32 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <exception>
+#include <initializer_list>
 #include <istream>
 #include <memory>
 #include <numeric>
 #include <streambuf>
+#include <string_view>
 
 namespace zorv {
 
 namespace {
 
+using Texts = std::initializer_list<std::string_view>;
+
 /// The blob's lines carry the message's name as well, since both are one module to whoever filters the log.
-void log(LogLevel level, char const* function, std::string const& text, unsigned int line = __builtin_LINE()) {
-    Logger::log(level, std::string("ManageNvmMsg::") + function + ": " + text,
-                boost::source_location("zwave/libquillet/ManageNvmMsg", line, function));
+void log(LogLevel level, char const* function, Texts texts, unsigned int line = __builtin_LINE()) {
+    auto event = std::string("ManageNvmMsg::") + function + ": ";
+    for (auto const text : texts) { event += text; }
+    Logger::log(level, event, boost::source_location("zwave/libquillet/ManageNvmMsg", line, function));
+}
+
+/// Logs where memory allows; what is reported is a result as well.
+void report(LogLevel level, char const* function, Texts texts, unsigned int line = __builtin_LINE()) noexcept {
+    try {
+        log(level, function, texts, line);
+    } catch (...) {} // NOLINT(bugprone-empty-catch): there is nowhere left to say it
 }
 
 } // namespace
@@ -61,32 +74,36 @@ unsigned int Blob::computeCrc() const {
     return crc.checksum();
 }
 
-bool Blob::checkCrc() const {
+bool Blob::checkCrc() const noexcept {
     if (crc_ == computeCrc()) { return true; }
-    log(LogLevel::warn, "checkCrc", "crc mismatch, the blob " + name_ + " is corrupt");
+    report(LogLevel::warn, "checkCrc", {"crc mismatch, the blob ", name_, " is corrupt"});
     return false;
 }
 
-bool Blob::setContents(OctetVec const& bytes) {
+bool Blob::setContents(OctetVec const& bytes) noexcept {
     size_ = static_cast<unsigned int>(bytes.size());
     boost::system::error_code error;
     crypto::base64Encode(bytes.empty() ? nullptr : bytes.data(), bytes.size(), false, error).swap(contents_);
     if (error) {
-        log(LogLevel::debug, "setContents",
-            std::string("cannot encode byte vector, error ") + error.category().name() + ':' +
-                std::to_string(error.value()));
+        auto const value = std::to_string(error.value()); // short enough to need no memory
+        report(LogLevel::debug, "setContents",
+               {"cannot encode byte vector, error ", error.category().name(), ":", value});
         return true;
     }
     crc_ = computeCrc();
     return false;
 }
 
-OctetVec Blob::getContents() const {
+OctetVec Blob::getContents() const noexcept {
     bool const intact = checkCrc();
     boost::system::error_code error;
     auto const result = crypto::base64Decode(contents_.data(), contents_.size(), error);
-    if (intact && !error && !!result) { return OctetVec(result.toUChar(), result.toUChar() + result.size()); }
-    log(LogLevel::debug, "getContents", "cannot decode base64 vector"); // said of a bad checksum, too
+    if (intact && !error && !!result) {
+        try {
+            return OctetVec(result.toUChar(), result.toUChar() + result.size());
+        } catch (std::exception const&) {} // NOLINT(bugprone-empty-catch): reported below
+    }
+    report(LogLevel::debug, "getContents", {"cannot decode base64 vector"}); // said of a bad checksum, too
     return {};
 }
 
@@ -152,10 +169,12 @@ bool ManageNvmMsg::checkBlobs() const {
 namespace {
 
 /// The text of a file, its lines joined without their line feeds; never as a whole, since the parser makes copies enough.
+///
+/// The text ends early where the file is more than may be parsed.
 class JoinedLines : public std::streambuf {
 public:
     // Opening a FIFO would wait for its writer. Once it is open, reading is to wait for a writer that there is.
-    explicit JoinedLines(std::string const& path)
+    explicit JoinedLines(std::string const& path) noexcept
         : fd_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
         if (isOpen()) { ::fcntl(fd_, F_SETFL, ::fcntl(fd_, F_GETFL) & ~O_NONBLOCK); }
     }
@@ -167,28 +186,42 @@ public:
 
     bool isOpen() const noexcept { return fd_ >= 0; }
 
-    /// Whether reading stopped before the end of the file.
-    bool failed() const noexcept { return failed_; }
+    /// Whether the file is more than may be parsed.
+    bool isTooMuch() const noexcept {
+        return bytes_ > ManageNvmMsg::MAX_FILE_BYTES || values_ > ManageNvmMsg::MAX_FILE_VALUES;
+    }
+
+    /// Whether reading stopped before the end of the file, be it that the parser had no memory for the rest.
+    bool failed() const noexcept { return !atEnd_ && !isTooMuch(); }
 
 protected:
     int_type underflow() override {
         auto* end = block_.data();
         while (end == block_.data()) {
+            if (isTooMuch()) { return traits_type::eof(); }
             auto const count = ::read(fd_, block_.data(), block_.size());
             if (count < 0 && errno == EINTR) { continue; }
             if (count <= 0) {
-                failed_ = count < 0;
+                atEnd_ = count == 0;
                 return traits_type::eof();
             }
+            bytes_ += static_cast<std::size_t>(count);
             end = std::remove(block_.data(), block_.data() + count, '\n');
+            values_ += static_cast<std::size_t>(std::count_if(block_.data(), end, precedesValue));
         }
         setg(block_.data(), block_.data(), end);
         return traits_type::to_int_type(block_.front());
     }
 
 private:
+    /// Every value of a text but its root stands behind one of these, or behind a key that does. They count in strings
+    /// as well: telling strings from comments is the parser's business, and base64 has none of them.
+    static bool precedesValue(char c) noexcept { return c == ',' || c == '[' || c == '{'; }
+
     int fd_;
-    bool failed_ = false;
+    bool atEnd_ = false;
+    std::size_t bytes_ = 0;
+    std::size_t values_ = 0;
     std::array<char, 65536> block_{};
 };
 
@@ -198,7 +231,9 @@ Json::Value parse(JoinedLines& lines) {
     try {
         is >> root;
     } catch (std::exception const&) {
-        if (!lines.failed()) { throw; } // else the text broke off: that it is no JSON is not its fault
+        if (!lines.failed() && !lines.isTooMuch()) {
+            throw;
+        } // else the text broke off: that it is no JSON is not its fault
     }
     return root;
 }
@@ -208,31 +243,43 @@ bool isBlob(Json::Value const& value) {
     return value.isObject() && std::all_of(keys.begin(), keys.end(), [&](auto* key) { return value.isMember(key); });
 }
 
+/// Whether there is a file of any type; a status that cannot be told is none.
+bool exists(std::string const& file) noexcept {
+    try {
+        boost::system::error_code error;
+        return boost::filesystem::exists(boost::filesystem::status(file, error));
+    } catch (std::exception const&) { return false; }
+}
+
 } // namespace
 
-ZResult::Enum ManageNvmMsg::read(std::string const& file) {
-    auto const fail = [](ZResult::Enum result, std::string const& text) {
-        log(LogLevel::warn, "read", text);
+ZResult::Enum ManageNvmMsg::read(std::string const& file) noexcept {
+    auto const fail = [](ZResult::Enum result, std::string_view text, std::string_view detail) {
+        report(LogLevel::warn, "read", {text, detail});
         return result;
     };
-    boost::system::error_code error;
-    if (!boost::filesystem::exists(boost::filesystem::status(file, error))) {
-        return fail(ZResult::fileNotFound, "input file does not exist " + file);
-    }
-    JoinedLines lines(file);
-    if (!lines.isOpen()) { return fail(ZResult::fileOpenFailure, "cannot open input file " + file); }
+    if (!exists(file)) { return fail(ZResult::fileNotFound, "input file does not exist ", file); }
     try {
+        JoinedLines lines(file);
+        if (!lines.isOpen()) { return fail(ZResult::fileOpenFailure, "cannot open input file ", file); }
         auto root = parse(lines);
-        if (lines.failed()) { return fail(ZResult::fileReadFailure, "cannot read input file " + file); }
+        if (lines.failed()) { return fail(ZResult::fileReadFailure, "cannot read input file ", file); }
+        if (lines.isTooMuch()) {
+            return fail(ZResult::noBlobs, "cannot parse object, ",
+                        "more than " + std::to_string(MAX_FILE_BYTES) + " bytes or " + std::to_string(MAX_FILE_VALUES) +
+                            " values");
+        }
         blobs_.clear();
         homeId_ = findBlobs(root, blobs_);
+        return blobs_.empty() ? ZResult::noBlobs : ZResult::success;
     } catch (ZorvError const& zorvError) {
-        logExceptionWarning("ManageNvmMsg::read", "cannot parse object, ", zorvError);
-        return ZResult::noBlobs;
+        try {
+            logExceptionWarning("ManageNvmMsg::read", "cannot parse object, ", zorvError);
+        } catch (...) {} // NOLINT(bugprone-empty-catch): as report() does
     } catch (std::exception const& exception) {
-        return fail(ZResult::noBlobs, std::string("cannot parse object, ") + exception.what());
-    } catch (...) { return fail(ZResult::noBlobs, "cannot parse object, unknown exception"); }
-    return blobs_.empty() ? ZResult::noBlobs : ZResult::success;
+        return fail(ZResult::noBlobs, "cannot parse object, ", exception.what());
+    } catch (...) { return fail(ZResult::noBlobs, "cannot parse object, ", "unknown exception"); }
+    return ZResult::noBlobs;
 }
 
 HomeId ManageNvmMsg::findBlobs(Json::Value& value, BlobVec& blobs) {
@@ -249,7 +296,7 @@ HomeId ManageNvmMsg::findBlobs(Json::Value& value, BlobVec& blobs) {
         if (found == 0) { continue; }
         if (id != 0 && id != found) {
             log(LogLevel::warn, "findBlobs",
-                "multiple, different home ids in the nvm file, preferring " + std::to_string(found));
+                {"multiple, different home ids in the nvm file, preferring ", std::to_string(found)});
         }
         id = found;
     }

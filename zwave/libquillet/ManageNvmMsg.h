@@ -6,6 +6,7 @@
 
 #include <json/forwards.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -38,15 +39,15 @@ public:
     unsigned int computeCrc() const;
 
     /// Whether the checksum holds; a mismatch is logged at WARN.
-    bool checkCrc() const;
+    bool checkCrc() const noexcept;
 
     /// Stores the bytes. Returns an error flag: false where that succeeded, true where the bytes could not be encoded.
     ///
     /// A failure is logged at DEBUG, and leaves `size` at the number of bytes and the checksum as it was.
-    bool setContents(OctetVec const& bytes);
+    bool setContents(OctetVec const& bytes) noexcept;
 
     /// The bytes; none where the checksum does not hold or the text is not base64, which is logged at DEBUG.
-    OctetVec getContents() const;
+    OctetVec getContents() const noexcept;
 
     /// Writes the blob's JSON text.
     void print(std::ostream& os) const;
@@ -83,6 +84,10 @@ public:
     static SerialRegistrar const registrar;
     static constexpr unsigned int DEFAULT_TIMEOUT = 180; ///< in the daemon's unit
 
+    // What read() takes at most. A value costs many times its text in memory; 64 MiB in blobs of 256 bytes and more pass.
+    static constexpr std::size_t MAX_FILE_BYTES = std::size_t{128} << 20U;
+    static constexpr std::size_t MAX_FILE_VALUES = std::size_t{4} << 20U; ///< counted as commas and opening brackets
+
     ManageNvmMsg() = default;
     ManageNvmMsg(ManageNvmOp::Enum operation, HomeId homeId, ZResult::Enum result, unsigned int percentComplete)
         : MessageOf(result), operation_(operation), homeId_(homeId), percentComplete_(percentComplete) {}
@@ -115,9 +120,10 @@ public:
     ///
     /// Returns success, fileNotFound, fileOpenFailure, fileReadFailure or noBlobs; all but the first are logged at WARN,
     /// with the exception of a file that is JSON without blobs. Checksums are not checked. A FIFO without a writer reads
-    /// as an empty file. Where no JSON could be read the message stays as it is; where its members are of the wrong type
-    /// the blobs that were found before them stay, and the home id is not changed.
-    ZResult::Enum read(std::string const& file);
+    /// as an empty file. Where no JSON could be read, or more than the limits above allow, the message stays as it is;
+    /// where its members are of the wrong type the blobs that were found before them stay, and the home id is not
+    /// changed. Never throws: memory that runs out is fileReadFailure or noBlobs, and its log line may be missing.
+    ZResult::Enum read(std::string const& file) noexcept;
 
     /// Appends the blobs that stand anywhere in `value`, and returns the network's home id, 0 where it has none.
     ///
