@@ -1,13 +1,23 @@
 #include "apps/quillet/Command.h"
 
+#include "platform/libio/TcpConnection.h"
+#include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/SerializerError.h"
 #include "platform/libtransport/hexDigits.h"
+#include "platform/libzorvlogger/printable.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <CLI/CLI.hpp>
 #include <json/value.h>
 #include <json/writer.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+#include <iterator>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace zorv {
 
@@ -33,6 +43,97 @@ struct BlobCheck {
     bool isGood() const { return contents == "good"; }
 };
 
+std::string quoted(std::string const& name) { return '"' + name + '"'; }
+
+std::uint64_t endOf(Blob const& blob) { return std::uint64_t{blob.offset()} + blob.size(); }
+
+/// What a restore would trip over though every blob is good by itself: a sentence for each kind, with the first of them.
+class RestoreCheck {
+public:
+    explicit RestoreCheck(ManageNvmMsg const& backup) {
+        if (backup.blobs().empty()) { return; }
+        if (backup.homeId() == 0) { warnings_.emplace_back("there is no home id"); }
+        checkPlaces(backup.blobs());
+        checkNames(backup.blobs());
+        checkWriting(backup);
+    }
+
+    std::vector<std::string> const& warnings() const noexcept { return warnings_; }
+
+private:
+    /// A sentence about the first of some blobs, and how many more there are.
+    class Finding {
+    public:
+        void add(std::string const& text) {
+            if (count_++ == 0) { first_ = text; }
+        }
+        void addTo(std::vector<std::string>& warnings) const {
+            if (count_ == 0) { return; }
+            warnings.push_back(count_ == 1 ? first_ : first_ + ", and " + std::to_string(count_ - 1) + " more");
+        }
+
+    private:
+        std::size_t count_ = 0;
+        std::string first_;
+    };
+
+    void checkPlaces(BlobVec const& blobs) {
+        constexpr std::uint64_t end = std::uint64_t{1} << 32U;
+        BlobVec sorted;
+        std::copy_if(blobs.begin(), blobs.end(), std::back_inserter(sorted),
+                     [](auto& blob) { return blob->size() > 0; });
+        std::stable_sort(sorted.begin(), sorted.end(),
+                         [](auto const& a, auto const& b) { return a->offset() < b->offset(); });
+        Finding overlapping;
+        Finding beyond;
+        Blob const* last = nullptr; // of those before, the one that ends last
+        for (auto const& blob : sorted) {
+            if (last != nullptr && blob->offset() < endOf(*last)) {
+                overlapping.add("blob " + quoted(blob->name()) + " overlaps " + quoted(last->name()));
+            }
+            if (last == nullptr || endOf(*blob) > endOf(*last)) { last = blob.get(); }
+            if (endOf(*blob) > end) { beyond.add("blob " + quoted(blob->name()) + " ends behind byte 4294967295"); }
+        }
+        overlapping.addTo(warnings_);
+        beyond.addTo(warnings_);
+    }
+
+    void checkNames(BlobVec const& blobs) {
+        Finding repeated;
+        std::set<std::string> names;
+        for (auto const& blob : blobs) {
+            if (!names.insert(blob->name()).second) { repeated.add("blob " + quoted(blob->name()) + " comes again"); }
+        }
+        repeated.addTo(warnings_);
+    }
+
+    /// Writes the parts of the request one by one, since the whole may be many times what memory should hold.
+    void checkWriting(ManageNvmMsg const& backup) {
+        ManageNvmMsg const request(ManageNvmOp::restore, backup.homeId(), ZResult::none, 0);
+        auto length = lengthOf(request) + backup.blobs().size() - 1; // with the commas
+        Finding unwritable;
+        for (auto const& blob : backup.blobs()) {
+            try {
+                length += lengthOf(*blob);
+            } catch (SerializerError const&) { unwritable.add("blob " + quoted(blob->name()) + " is not UTF-8"); }
+        }
+        unwritable.addTo(warnings_);
+        auto const limit = TcpLimits().line;
+        if (length > limit) {
+            warnings_.push_back("the request for a restore has " + std::to_string(length) +
+                                " bytes, the daemon takes " + std::to_string(limit));
+        }
+    }
+
+    static std::size_t lengthOf(Serializable const& object) {
+        Serializer s;
+        object.serialInserter(s);
+        return s.str().size();
+    }
+
+    std::vector<std::string> warnings_;
+};
+
 /// What `nvm check` shows of a backup file.
 class BackupCheck {
 public:
@@ -48,7 +149,12 @@ public:
         for (auto const& blob : message.blobs()) { add(*blob); }
         rows_.push_back({"Total", "", std::to_string(message.size())});
         json_["good"] = good_;
+        json_["warnings"] = Json::Value(Json::arrayValue);
+        warnings_ = RestoreCheck(message).warnings();
+        for (auto const& warning : warnings_) { json_["warnings"].append(warning); }
     }
+
+    std::vector<std::string> const& warnings() const noexcept { return warnings_; }
 
     bool isGood() const noexcept { return good_; }
 
@@ -77,6 +183,7 @@ private:
 
     bool good_;
     StringVecVec rows_;
+    std::vector<std::string> warnings_;
     Json::Value json_;
 };
 
@@ -96,6 +203,9 @@ public:
         auto const result = message.read(file_);
         BackupCheck const check(file_, result, message);
         output.show(check.rows(), check.json());
+        for (auto const& warning : check.warnings()) {
+            std::cerr << "quillet: warning: " << printable(warning) << '\n';
+        }
         return check.isGood() ? ExitCode::ok : ExitCode::refused;
     }
 

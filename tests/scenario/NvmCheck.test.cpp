@@ -1,9 +1,13 @@
 #include "tests/scenario/OfflineClient.h"
 #include "tests/testPaths.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <boost/make_shared.hpp>
+
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -87,10 +91,11 @@ TEST_F(NvmCheck, IsOneJsonObjectWhereAsked) {
     EXPECT_THAT(lines_,
                 ElementsAre(R"({"blobs":[{"checksumHolds":true,"good":true,"name":"routes","offset":4096,"size":4},)"
                             R"({"checksumHolds":false,"good":false,"name":"flipped","offset":1,"size":4}],"file":")" +
-                            path + R"(","good":false,"homeId":5,"result":"success","size":8})"));
+                            path + R"(","good":false,"homeId":5,"result":"success","size":8,"warnings":[]})"));
 
     EXPECT_EQ(check(zorv::sourcePath("tests/golden/ManageNvmMsg.json"), {"--json"}), 0);
-    EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("good":true,"homeId":3237998081,"result":"success","size":13})")));
+    EXPECT_THAT(lines_, ElementsAre(HasSubstr(
+                            R"("good":true,"homeId":3237998081,"result":"success","size":13,"warnings":[]})")));
 }
 
 TEST_F(NvmCheck, ShowsANameThatWouldSteerTheTerminalInHex) {
@@ -101,6 +106,90 @@ TEST_F(NvmCheck, ShowsANameThatWouldSteerTheTerminalInHex) {
     EXPECT_THAT(errors_, HasSubstr(R"(the blob \x1b[2J\xc2\x9b1A is corrupt)"));
     EXPECT_EQ(check(path, {"--json"}), 1);
     EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("name":"\u001b[2J\u009b1A")")));
+}
+
+/// A backup with this home id and blobs of zeros, each "name", offset, size.
+struct Place {
+    std::string name;
+    unsigned int offset;
+    std::size_t size;
+};
+
+std::string backupOf(std::vector<Place> const& places, unsigned int homeId = 5) {
+    zorv::ManageNvmMsg message(zorv::ManageNvmOp::save, homeId, zorv::ZResult::success, 100);
+    for (auto const& place : places) {
+        auto const blob = boost::make_shared<zorv::Blob>(place.name, place.offset);
+        blob->setContents(zorv::OctetVec(place.size));
+        message.addBlob(blob);
+    }
+    std::ostringstream os;
+    message.print(os);
+    return os.str();
+}
+
+TEST_F(NvmCheck, HasNothingToWarnOfWhereBlobsStandSideBySide) {
+    auto const text = backupOf({{"b", 4, 4}, {"a", 0, 4}, {"empty", 2, 0}, {"last", 4294967290U, 6}});
+    EXPECT_EQ(check(directory_.write("backup.json", text)), 0);
+    EXPECT_EQ(errors_, "");
+}
+
+TEST_F(NvmCheck, WarnsOfBlobsThatOverlapAndTakesTheFileForGood) {
+    auto const path =
+        directory_.write("backup.json", backupOf({{"b", 3, 4}, {"a", 0, 100}, {"c", 99, 1}, {"d", 100, 1}}));
+    EXPECT_EQ(check(path), 0);
+    EXPECT_EQ(errors_, "quillet: warning: blob \"b\" overlaps \"a\", and 1 more\n");
+    EXPECT_EQ(check(path, {"--json"}), 0);
+    EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("good":true,)")));
+    EXPECT_THAT(lines_, ElementsAre(HasSubstr(R"("warnings":["blob \"b\" overlaps \"a\", and 1 more"]})")));
+}
+
+TEST_F(NvmCheck, WarnsOfABlobThatOverlapsByOneByte) {
+    EXPECT_EQ(check(directory_.write("backup.json", backupOf({{"a", 0, 4}, {"b", 3, 4}}))), 0);
+    EXPECT_EQ(errors_, "quillet: warning: blob \"b\" overlaps \"a\"\n");
+}
+
+TEST_F(NvmCheck, WarnsOfNamesThatComeAgain) {
+    EXPECT_EQ(check(directory_.write("backup.json", backupOf({{"a", 0, 4}, {"b", 4, 4}, {"a", 8, 4}}))), 0);
+    EXPECT_EQ(errors_, "quillet: warning: blob \"a\" comes again\n");
+}
+
+TEST_F(NvmCheck, WarnsOfABlobThatEndsBehindTheLastPlace) {
+    EXPECT_EQ(check(directory_.write("backup.json", backupOf({{"a", 4294967290U, 7}}))), 0);
+    EXPECT_EQ(errors_, "quillet: warning: blob \"a\" ends behind byte 4294967295\n");
+}
+
+TEST_F(NvmCheck, WarnsThatThereIsNoHomeId) {
+    EXPECT_EQ(check(directory_.write("backup.json", backupOf({{"a", 0, 4}}, 0))), 0);
+    EXPECT_EQ(errors_, "quillet: warning: there is no home id\n");
+}
+
+TEST_F(NvmCheck, WarnsOfANameThatIsNotUtf8) {
+    auto text = backupOf({{"name", 0, 4}});
+    text.replace(text.find("name\""), 1, "\xff");
+    EXPECT_EQ(check(directory_.write("backup.json", text)), 0);
+    EXPECT_EQ(errors_, "quillet: warning: blob \"\\xffame\" is not UTF-8\n");
+}
+
+TEST_F(NvmCheck, WarnsOfABackupThatDoesNotFitIntoOneLine) {
+    std::size_t const lineLimit = 16777216;
+    // The request differs from the saved message in its operation and in its result.
+    auto const requestOf = [](std::size_t size) {
+        zorv::ManageNvmMsg message(zorv::ManageNvmOp::restore, 5, zorv::ZResult::none, 0);
+        auto const blob = boost::make_shared<zorv::Blob>("a", 1000000000U);
+        blob->setContents(zorv::OctetVec(size));
+        message.addBlob(blob);
+        std::ostringstream os;
+        message.print(os);
+        return os.str().size();
+    };
+    std::size_t bytes = (lineLimit - requestOf(10000000) + 13333336) / 4 * 3; // about
+    ASSERT_LE(requestOf(bytes), lineLimit);
+    while (requestOf(bytes + 3) <= lineLimit) { bytes += 3; } // to the largest that fits
+    EXPECT_EQ(check(directory_.write("backup.json", backupOf({{"a", 1000000000U, bytes}}))), 0);
+    EXPECT_EQ(errors_, "");
+    EXPECT_EQ(check(directory_.write("backup.json", backupOf({{"a", 1000000000U, bytes + 3}}))), 0);
+    EXPECT_EQ(errors_, "quillet: warning: the request for a restore has " + std::to_string(requestOf(bytes + 3)) +
+                           " bytes, the daemon takes 16777216\n");
 }
 
 TEST_F(NvmCheck, NeedsAFile) {
