@@ -1,11 +1,11 @@
 #include "zwave/libquillet/AddRemoveNodeMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
-
 #include "platform/libtransport/throwInvalidEnum.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/golden.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <boost/make_shared.hpp>
 
@@ -36,7 +36,6 @@ TEST(AddRemoveNodeMsg, TakesItsMembersInTheOrderOfTheirDeclaration) {
 
 TEST(AddRemoveNodeMsg, ReadsEveryMemberOfItsGoldenText) {
     auto const message = readBack<AddRemoveNodeMsg>(golden("AddRemoveNodeMsg"));
-    ASSERT_TRUE(message);
     EXPECT_EQ(message->operation(), AddRemoveOp::remove);
     EXPECT_TRUE(message->abort());
     EXPECT_TRUE(message->primary());
@@ -78,8 +77,8 @@ TEST(AddRemoveNodeMsg, ItsResponseAnswersTheRequest) {
 }
 
 TEST(AddRemoveNodeMsg, NothingAnswersAnEmptyRequest) {
-    EXPECT_EQ(errorText<NullPointerError>([] { AddRemoveNodeMsg::create(nullptr, ZResult::success, 90, device); }),
-              "msg is null");
+    EXPECT_EQ(errorOf([] { AddRemoveNodeMsg::create(nullptr, ZResult::success, 90, device); }),
+              "NullPointerError: msg is null");
 }
 
 TEST(AddRemoveNodeMsg, SharesItsDeviceWithItsClone) {
@@ -90,35 +89,28 @@ TEST(AddRemoveNodeMsg, SharesItsDeviceWithItsClone) {
 }
 
 TEST(AddRemoveNodeMsg, AddsNoRowsWithoutADevice) {
-    StringVecVec rows{{"before"}};
-    AddRemoveNodeMsg().accumulateDisplay(rows);
-    EXPECT_EQ(rows, (StringVecVec{{"before"}}));
+    EXPECT_EQ(shown(AddRemoveNodeMsg(), {{"before"}}), (StringVecVec{{"before"}}));
 }
 
 TEST(AddRemoveNodeMsg, AddsTheRowsOfItsDevice) {
-    StringVecVec expected;
-    device->accumulateDisplay(expected);
-    StringVecVec rows;
-    AddRemoveNodeMsg(AddRemoveOp::add, false, false, ZResult::none, 0, device).accumulateDisplay(rows);
-    EXPECT_EQ(rows, expected);
-    EXPECT_EQ(rows[0], (std::vector<std::string>{"Address:", "c0ffee01:5"}));
+    auto const rows = shown(AddRemoveNodeMsg(AddRemoveOp::add, false, false, ZResult::none, 0, device));
+    EXPECT_EQ(rows, shown(*device));
+    EXPECT_EQ(rows.at(0), (std::vector<std::string>{"Address:", "c0ffee01:5"}));
 }
 
 TEST(AddRemoveNodeMsg, ReadsTheOperationInvalid) {
     auto const message = readBack<AddRemoveNodeMsg>(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"invalid"})");
-    ASSERT_TRUE(message);
     EXPECT_EQ(static_cast<int>(message->operation()), 0);
 }
 
 TEST(AddRemoveNodeMsg, DoesNotReadAnOperationInOtherLetterCase) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"Add"})"),
-              (Refusal{"InvalidEnumError", "invalid AddRemoveOp text \"Add\""}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"Add"})"),
+              "InvalidEnumError: invalid AddRemoveOp text \"Add\"");
 }
 
 TEST(AddRemoveNodeMsg, ReproducesEveryMemberWithAnEmptyDeviceToo) {
     AddRemoveNodeMsg const message(AddRemoveOp::remove, true, true, ZResult::timeout, 2147483647, nullptr);
     auto const rebuilt = readBack<AddRemoveNodeMsg>(wireText(message));
-    ASSERT_TRUE(rebuilt);
     EXPECT_FALSE(rebuilt->device());
     EXPECT_EQ(wireText(*rebuilt), wireText(message));
 }
@@ -126,7 +118,6 @@ TEST(AddRemoveNodeMsg, ReproducesEveryMemberWithAnEmptyDeviceToo) {
 TEST(AddRemoveNodeMsg, IsLeftWithoutADeviceByAnObjectOfAnotherClass) {
     auto const message = readBack<AddRemoveNodeMsg>(
         R"({"__name__":"zorv::AddRemoveNodeMsg","device_":{"__name__":"zorv::RawCommand","data_":[]}})");
-    ASSERT_TRUE(message);
     EXPECT_FALSE(message->device());
 }
 
@@ -134,15 +125,15 @@ TEST(AddRemoveOp, HasItsThreeTexts) { expectTexts<AddRemoveOp::Enum>({"invalid",
 
 TEST(AddRemoveOp, ParsesAddToOneButNeitherCapitalsNorAnEmptyText) {
     EXPECT_EQ(static_cast<int>(AddRemoveOp::toEnum("add")), 1);
-    EXPECT_EQ(errorText<InvalidEnumError>([] { AddRemoveOp::toEnum("ADD"); }), "invalid AddRemoveOp text \"ADD\"");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { AddRemoveOp::toEnum(""); }), "invalid AddRemoveOp text \"\"");
+    EXPECT_EQ(errorOf([] { AddRemoveOp::toEnum("ADD"); }), "InvalidEnumError: invalid AddRemoveOp text \"ADD\"");
+    EXPECT_EQ(errorOf([] { AddRemoveOp::toEnum(""); }), "InvalidEnumError: invalid AddRemoveOp text \"\"");
 }
 
 TEST(AddRemoveOp, ParsesOnlyTheFirstOfTwoWords) { EXPECT_EQ(AddRemoveOp::toEnum("add remove"), AddRemoveOp::add); }
 
 TEST(AddRemoveOp, HasNoTextForSeven) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { AddRemoveOp::toString(static_cast<AddRemoveOp::Enum>(7)); }),
-              "invalid AddRemoveOp value 7");
+    EXPECT_EQ(errorOf([] { AddRemoveOp::toString(static_cast<AddRemoveOp::Enum>(7)); }),
+              "InvalidEnumError: invalid AddRemoveOp value 7");
 }
 
 TEST(AddRemoveOp, WritesNothingForANumberThatItDoesNotHave) {

@@ -1,9 +1,9 @@
 #include "zwave/libquillet/CliDisplayMsg.h"
 
-#include "tests/unit/LogCapture.h"
-#include "tests/unit/errorText.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/golden.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -29,7 +29,6 @@ TEST(CliDisplayMsg, KeepsTheLengthsOfRows) {
 
 TEST(CliDisplayMsg, ReadsTheCellsOfItsGoldenText) {
     auto const message = readBack<CliDisplayMsg>(golden("CliDisplayMsg"));
-    ASSERT_TRUE(message);
     EXPECT_EQ(message->data(), (StringVecVec{{"Node", "Room"}, {"5", "K\u00fcche", "\"quoted\"\n"}, {}}));
 }
 
@@ -51,23 +50,23 @@ TEST(CliDisplayMsg, ItsResponseCarriesATableOfItsOwn) {
 }
 
 TEST(CliDisplayMsg, NothingAnswersAnEmptyRequest) {
-    EXPECT_EQ(errorText<NullPointerError>([] { CliDisplayMsg::create(nullptr, ZResult::success, table); }),
-              "msg is null");
+    EXPECT_EQ(errorOf([] { CliDisplayMsg::create(nullptr, ZResult::success, table); }),
+              "NullPointerError: msg is null");
 }
 
 TEST(CliDisplayMsg, RefusesATableThatIsNoArray) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::CliDisplayMsg","data_":"row"})"),
-              (Refusal{"SyntaxError", "expected array, got string"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CliDisplayMsg","data_":"row"})"),
+              "SyntaxError: expected array, got string");
 }
 
 TEST(CliDisplayMsg, RefusesARowThatIsNoArray) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::CliDisplayMsg","data_":[["5"],null]})"),
-              (Refusal{"SyntaxError", "expected array, got null"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CliDisplayMsg","data_":[["5"],null]})"),
+              "SyntaxError: expected array, got null");
 }
 
 TEST(CliDisplayMsg, RefusesACellThatIsNoString) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::CliDisplayMsg","data_":[["5"],["x",5]]})"),
-              (Refusal{"SerializerError", "data_[1][1]: expected string, got int"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CliDisplayMsg","data_":[["5"],["x",5]]})"),
+              "SerializerError: data_[1][1]: expected string, got int");
 }
 
 TEST(CliDisplayMsg, AppendsItsRowsAfterThoseThatAreThereAndNeverWarnsAboutAColumn) {

@@ -1,13 +1,12 @@
 #include "zwave/libquillet/CommandClassMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
-
 #include "platform/libtransport/throwInvalidEnum.h"
 #include "platform/libzorvshared/RawCommand.h"
 #include "platform/libzwaved/Zwaved.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/golden.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <boost/make_shared.hpp>
 
@@ -21,17 +20,11 @@ ReceivedStatus::Enum status(int bits) { return static_cast<ReceivedStatus::Enum>
 int read(std::string const& text) { return static_cast<int>(ReceivedStatus::toEnum(text)); }
 
 std::string readError(std::string const& text) {
-    return errorText<InvalidEnumError>([&] { ReceivedStatus::toEnum(text); });
+    return errorOf([&] { ReceivedStatus::toEnum(text); });
 }
 
 CommandClassMsg message(Bytes const& bytes, int rxStatus = 0) {
     return {ZwaveAddress(0xC0FFEE01, 5), status(rxStatus), boost::make_shared<RawCommand>(bytes), MessageRole::report};
-}
-
-StringVecVec shown(CommandClassMsg const& message) {
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    return rows;
 }
 
 TEST(FrameCast, HasItsThreeTexts) {
@@ -44,12 +37,12 @@ TEST(FrameCast, HasItsThreeTexts) {
 }
 
 TEST(FrameCast, RefusesNumbersAndWordsThatItDoesNotHave) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { FrameCast::toString(static_cast<FrameCast::Enum>(12)); }),
-              "invalid FrameCast value 12");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { FrameCast::toString(static_cast<FrameCast::Enum>(1)); }),
-              "invalid FrameCast value 1");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { FrameCast::toEnum("Broadcast"); }),
-              "invalid FrameCast text \"Broadcast\"");
+    EXPECT_EQ(errorOf([] { FrameCast::toString(static_cast<FrameCast::Enum>(12)); }),
+              "InvalidEnumError: invalid FrameCast value 12");
+    EXPECT_EQ(errorOf([] { FrameCast::toString(static_cast<FrameCast::Enum>(1)); }),
+              "InvalidEnumError: invalid FrameCast value 1");
+    EXPECT_EQ(errorOf([] { FrameCast::toEnum("Broadcast"); }),
+              "InvalidEnumError: invalid FrameCast text \"Broadcast\"");
 }
 
 TEST(FrameCast, PassesThroughStreams) {
@@ -73,9 +66,9 @@ TEST(ReceivedStatus, EndsItsTextWithTheFrameCast) {
 }
 
 TEST(ReceivedStatus, FailsToWriteABitThatItDoesNotKnowUnderItsOwnName) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(status(0x20)); }), "invalid ReceivedStatus value 32");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(status(0x80)); }), "invalid ReceivedStatus value 128");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(status(0x100)); }), "invalid ReceivedStatus value 256");
+    EXPECT_EQ(errorOf([] { toString(status(0x20)); }), "InvalidEnumError: invalid ReceivedStatus value 32");
+    EXPECT_EQ(errorOf([] { toString(status(0x80)); }), "InvalidEnumError: invalid ReceivedStatus value 128");
+    EXPECT_EQ(errorOf([] { toString(status(0x100)); }), "InvalidEnumError: invalid ReceivedStatus value 256");
 }
 
 TEST(ReceivedStatus, LeavesInTheStreamWhatItWroteBeforeAnUnknownBit) {
@@ -92,7 +85,7 @@ TEST(ReceivedStatus, LeavesNothingInTheStreamWhereOnlyTheBitIsUnknown) {
 
 TEST(ReceivedStatus, LeavesTheFlagsInTheStreamWhereTheFrameCastIsUnknown) {
     std::ostringstream os;
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { os << status(0x4C); }), "invalid FrameCast value 12");
+    EXPECT_EQ(errorOf([&] { os << status(0x4C); }), "InvalidEnumError: invalid FrameCast value 12");
     EXPECT_EQ(os.str(), "foreignFrame|");
 }
 
@@ -120,15 +113,15 @@ TEST(ReceivedStatus, LetsTheLastOfTheFrameCastsHold) {
 TEST(ReceivedStatus, ReadsNoneBeforeFlags) { EXPECT_EQ(read("none|lowPower|multicast"), 0x0A); }
 
 TEST(ReceivedStatus, RefusesWhatIsOutOfOrderUnderTheNameOfReading) {
-    EXPECT_EQ(readError("multicast|broadcast"), "invalid ReceiveStatus text \"multicast|broadcast\"");
-    EXPECT_EQ(readError("lowPower|routedBusy"), "invalid ReceiveStatus text \"lowPower|routedBusy\"");
-    EXPECT_EQ(readError("lowPower|none"), "invalid ReceiveStatus text \"lowPower|none\"");
+    EXPECT_EQ(readError("multicast|broadcast"), "InvalidEnumError: invalid ReceiveStatus text \"multicast|broadcast\"");
+    EXPECT_EQ(readError("lowPower|routedBusy"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|routedBusy\"");
+    EXPECT_EQ(readError("lowPower|none"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|none\"");
 }
 
 TEST(ReceivedStatus, RefusesWhatItDoesNotKnow) {
-    EXPECT_EQ(readError("lowPower|lowPower"), "invalid ReceiveStatus text \"lowPower|lowPower\"");
-    EXPECT_EQ(readError("LowPower"), "invalid ReceiveStatus text \"LowPower\"");
-    EXPECT_EQ(readError("lowPower|"), "invalid ReceiveStatus text \"lowPower|\"");
+    EXPECT_EQ(readError("lowPower|lowPower"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|lowPower\"");
+    EXPECT_EQ(readError("LowPower"), "InvalidEnumError: invalid ReceiveStatus text \"LowPower\"");
+    EXPECT_EQ(readError("lowPower|"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|\"");
 }
 
 TEST(ReceivedStatus, LeavesItsTargetUnchangedWhereItCannotRead) {
@@ -175,7 +168,6 @@ TEST(CommandClassMsg, IsMadeInTheNetworkOfTheDaemonsController) {
 
 TEST(CommandClassMsg, ReadsEveryMemberOfItsGoldenText) {
     auto const message = readBack<CommandClassMsg>(golden("CommandClassMsg"));
-    ASSERT_TRUE(message);
     EXPECT_EQ(message->sourceAddr(), ZwaveAddress(0xC0FFEE01, 5));
     EXPECT_EQ(static_cast<int>(message->rxStatus()), 0x49);
     ASSERT_TRUE(message->command());
@@ -190,21 +182,20 @@ TEST(CommandClassMsg, WritesStatusZeroAsNoneAndSinglecastAndReadsItBack) {
 
 TEST(CommandClassMsg, FailsToWriteAStatusWithAnUnknownBit) {
     auto const invalid = message({0x20}, 0x20);
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { wireText(invalid); }), "invalid ReceivedStatus value 32");
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { shown(invalid); }), "invalid ReceivedStatus value 32");
+    EXPECT_EQ(errorOf([&] { wireText(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
+    EXPECT_EQ(errorOf([&] { shown(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
     std::ostringstream os;
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { invalid.print(os); }), "invalid ReceivedStatus value 32");
+    EXPECT_EQ(errorOf([&] { invalid.print(os); }), "InvalidEnumError: invalid ReceivedStatus value 32");
 }
 
 TEST(CommandClassMsg, FailsToReadAStatusUnderTheNameOfReading) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::CommandClassMsg","rxStatus_":"lowPower|routedBusy"})"),
-              (Refusal{"InvalidEnumError", "invalid ReceiveStatus text \"lowPower|routedBusy\""}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CommandClassMsg","rxStatus_":"lowPower|routedBusy"})"),
+              "InvalidEnumError: invalid ReceiveStatus text \"lowPower|routedBusy\"");
 }
 
 TEST(CommandClassMsg, IsLeftWithoutACommandByAnObjectOfAnotherClass) {
     auto const message =
         readBack<CommandClassMsg>(R"({"__name__":"zorv::CommandClassMsg","command_":{"__name__":"zorv::Device"}})");
-    ASSERT_TRUE(message);
     EXPECT_FALSE(message->command());
 }
 

@@ -1,8 +1,9 @@
 #include "zwave/libquillet/ControlCommandMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <stdexcept>
 
@@ -11,14 +12,8 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-StringVecVec shown(ControlCommandMsg const& message) {
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    return rows;
-}
-
 std::string sizeError(Bytes const& data) {
-    return errorText<TransportError>([&] { ControlCommandMsg(data, MessageRole::request); });
+    return errorOf([&] { ControlCommandMsg(data, MessageRole::request); });
 }
 
 TEST(ControlCommandMsg, TakesAFrameOfTwoBytes) {
@@ -28,16 +23,17 @@ TEST(ControlCommandMsg, TakesAFrameOfTwoBytes) {
 }
 
 TEST(ControlCommandMsg, RefusesAFrameOfOneByte) {
-    EXPECT_EQ(sizeError(Bytes{1}), "invalid minimum control command size");
+    EXPECT_EQ(sizeError(Bytes{1}), "TransportError: invalid minimum control command size");
 }
 
-TEST(ControlCommandMsg, RefusesAnEmptyFrame) { EXPECT_EQ(sizeError(Bytes()), "invalid minimum control command size"); }
+TEST(ControlCommandMsg, RefusesAnEmptyFrame) {
+    EXPECT_EQ(sizeError(Bytes()), "TransportError: invalid minimum control command size");
+}
 
 TEST(ControlCommandMsg, IsEmptyByDefault) { EXPECT_EQ(ownMembers<TMessage>(ControlCommandMsg()), R"(,"data_":[]})"); }
 
 TEST(ControlCommandMsg, ReadsAFrameOfOneByteButDoesNotShowIt) {
     auto const message = readBack<ControlCommandMsg>(R"({"__name__":"zorv::ControlCommandMsg","data_":[1]})");
-    ASSERT_TRUE(message);
     EXPECT_EQ(message->data(), Bytes{1});
     EXPECT_THROW(shown(*message), std::out_of_range);
 }
@@ -63,7 +59,7 @@ TEST(ControlCommandMsg, ShowsSixteenBytesInTwoRowsAndNoEmptyOne) {
 
 TEST(ControlCommandMsg, DoesNotShowAnOperationThatThereIsNot) {
     ControlCommandMsg const message(Bytes{2, 0x15}, MessageRole::request);
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { shown(message); }), "invalid ControlCommandOp value 2");
+    EXPECT_EQ(errorOf([&] { shown(message); }), "InvalidEnumError: invalid ControlCommandOp value 2");
 }
 
 TEST(ControlCommandMsg, ShowsACommandWithoutANameInHex) {
@@ -72,8 +68,8 @@ TEST(ControlCommandMsg, ShowsACommandWithoutANameInHex) {
 
 TEST(ControlCommandMsg, HasTwoOperations) {
     expectTexts<ControlCommandOp::Enum>({"request", "response"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { ControlCommandOp::toEnum("report"); }),
-              R"(invalid ControlCommandOp text "report")");
+    EXPECT_EQ(errorOf([] { ControlCommandOp::toEnum("report"); }),
+              R"(InvalidEnumError: invalid ControlCommandOp text "report")");
     EXPECT_EQ(toHex(ControlCommandOp::response), "01");
 }
 
@@ -85,10 +81,10 @@ TEST(ControlCommandMsg, ShrinksALongerFrameToTheArrayThatIsRead) {
 }
 
 TEST(ControlCommandMsg, RefusesBytesThatAreNone) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ControlCommandMsg","data_":{"a":1}})"),
-              (Refusal{"SyntaxError", "expected array, got object"}));
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ControlCommandMsg","data_":[1,256]})"),
-              (Refusal{"SerializerError", "data_[1]: expected unsigned byte, got 256"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControlCommandMsg","data_":{"a":1}})"),
+              "SyntaxError: expected array, got object");
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControlCommandMsg","data_":[1,256]})"),
+              "SerializerError: data_[1]: expected unsigned byte, got 256");
 }
 
 } // namespace

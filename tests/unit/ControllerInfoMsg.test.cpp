@@ -1,12 +1,12 @@
 #include "zwave/libquillet/ControllerInfoMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
-
 #include "platform/libtransport/throwInvalidEnum.h"
 #include "platform/libzorvshared/KernelX.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/golden.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <limits>
 #include <locale>
@@ -62,12 +62,6 @@ boost::shared_ptr<ControllerInfoMsg> answer(boost::shared_ptr<ControllerInfoMsg>
     return ControllerInfoMsg::create(request, ControllerInfoOption::info, ModuleType::bridgeController, "7.19", 0xFE,
                                      capabilities, ControllerRole::sis, serialCapabilities(), deviceInfo(), 232, 11, 12,
                                      13, DeviceStatus::ready, SecurityStatus::s2AccessControl, 93784.25);
-}
-
-StringVecVec shown(ControllerInfoMsg const& message) {
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    return rows;
 }
 
 std::string shownUptime(double uptime) {
@@ -131,10 +125,10 @@ TEST(ControllerInfoOption, HasItsFourTexts) {
 }
 
 TEST(ControllerInfoOption, RefusesNumbersAndWordsThatItDoesNotHave) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<ControllerInfoOption::Enum>(4)); }),
-              "invalid ControllerInfoOption value 4");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { ControllerInfoOption::toEnum("invalid"); }),
-              "invalid ControllerInfoOption text \"invalid\"");
+    EXPECT_EQ(errorOf([] { toString(static_cast<ControllerInfoOption::Enum>(4)); }),
+              "InvalidEnumError: invalid ControllerInfoOption value 4");
+    EXPECT_EQ(errorOf([] { ControllerInfoOption::toEnum("invalid"); }),
+              "InvalidEnumError: invalid ControllerInfoOption text \"invalid\"");
 }
 
 // ---- forms
@@ -239,7 +233,6 @@ TEST(ControllerInfoMsg, SharesItsAgentWithItsClone) {
 
 TEST(ControllerInfoMsg, ReadsEveryMemberOfItsGoldenText) {
     auto const message = readBack<ControllerInfoMsg>(golden("ControllerInfoMsg"));
-    ASSERT_TRUE(message);
     EXPECT_EQ(message->displayOptions(), ControllerInfoOption::all);
     EXPECT_EQ(message->moduleType(), ModuleType::bridgeController);
     EXPECT_EQ(message->fwVersion(), "7.19.2");
@@ -270,25 +263,24 @@ TEST(ControllerInfoMsg, HasThePlatformsManufacturerWhereTheTextHasNoDeviceInfo) 
 }
 
 TEST(ControllerInfoMsg, NamesTheEnumerationOfATextThatItDoesNotKnow) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ControllerInfoMsg","moduleType_":"bridge"})"),
-              (Refusal{"InvalidEnumError", "invalid ModuleType text \"bridge\""}));
-    EXPECT_EQ(
-        refusalOfText(R"({"__name__":"zorv::ControllerInfoMsg","serialCapabilities_":{"commands_":["sendData","x"]}})"),
-        (Refusal{"InvalidEnumError", "invalid ZwApiCommand text \"x\""}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControllerInfoMsg","moduleType_":"bridge"})"),
+              "InvalidEnumError: invalid ModuleType text \"bridge\"");
+    EXPECT_EQ(errorOfReading(
+                  R"({"__name__":"zorv::ControllerInfoMsg","serialCapabilities_":{"commands_":["sendData","x"]}})"),
+              "InvalidEnumError: invalid ZwApiCommand text \"x\"");
 }
 
 TEST(ControllerInfoMsg, NamesThePathToANumberOutOfRange) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ControllerInfoMsg","sucNodeId_":256})"),
-              (Refusal{"SerializerError", "sucNodeId_: expected unsigned byte, got 256"}));
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::ControllerInfoMsg","serialCapabilities_":{"productId_":-1}})"),
-              (Refusal{"SerializerError", "serialCapabilities_.productId_: expected unsigned short, got -1"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControllerInfoMsg","sucNodeId_":256})"),
+              "SerializerError: sucNodeId_: expected unsigned byte, got 256");
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControllerInfoMsg","serialCapabilities_":{"productId_":-1}})"),
+              "SerializerError: serialCapabilities_.productId_: expected unsigned short, got -1");
 }
 
 TEST(ControllerInfoMsg, DoesNotSendItsAgent) {
     auto message = info(ControllerInfoOption::capabilities);
     message.agentData(AgentData::create(1, "u", "r", "d", "v"));
     auto const rebuilt = readBack<ControllerInfoMsg>(wireText(message));
-    ASSERT_TRUE(rebuilt);
     EXPECT_FALSE(rebuilt->agentData());
     EXPECT_EQ(shown(*rebuilt).back()[0], "Up time:");
 }
@@ -367,7 +359,7 @@ TEST(ControllerInfoMsg, FailsToShowAFunctionThatIsNoByte) {
         ControllerInfoOption::commands, ModuleType::none, "", 0, {}, ControllerRole::unknown,
         SerialCapabilities(0, 0, ManufacturerId::unknown, 0, 0, {static_cast<ZwApiCommand::Enum>(0x113)}), DeviceInfo(),
         0, 0, 0, 0, DeviceStatus::unknown, SecurityStatus::unknown, 0);
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { shown(message); }), "invalid ZwApiCommand value 275");
+    EXPECT_EQ(errorOf([&] { shown(message); }), "InvalidEnumError: invalid ZwApiCommand value 275");
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "zwave/libquillet/DaemonStatusMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -31,46 +31,47 @@ TEST(DaemonStatusMsg, WritesDetail37AsThreeNames) {
 
 TEST(DaemonStatusMsg, RefusesDetail64AfterWritingNothing) {
     std::ostringstream os;
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { os << detail(64); }), "invalid DaemonDetail value 64");
+    EXPECT_EQ(errorOf([&] { os << detail(64); }), "InvalidEnumError: invalid DaemonDetail value 64");
     EXPECT_EQ(os.str(), "");
 }
 
 TEST(DaemonStatusMsg, RefusesDetail65AfterWritingTheKnownName) {
     std::ostringstream os;
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { os << detail(65); }), "invalid DaemonDetail value 65");
+    EXPECT_EQ(errorOf([&] { os << detail(65); }), "InvalidEnumError: invalid DaemonDetail value 65");
     EXPECT_EQ(os.str(), "moduleNotPresent");
 }
 
 TEST(DaemonStatusMsg, RefusesADetailThatIsNamedTwice) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { DaemonDetail::toEnum("lostSocket|lostSocket"); }),
-              R"(invalid DaemonDetail text "lostSocket|lostSocket")");
+    EXPECT_EQ(errorOf([] { DaemonDetail::toEnum("lostSocket|lostSocket"); }),
+              R"(InvalidEnumError: invalid DaemonDetail text "lostSocket|lostSocket")");
 }
 
 TEST(DaemonStatusMsg, RefusesDetailsOutOfBitOrder) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { DaemonDetail::toEnum("timeout|lostSocket"); }),
-              R"(invalid DaemonDetail text "timeout|lostSocket")");
+    EXPECT_EQ(errorOf([] { DaemonDetail::toEnum("timeout|lostSocket"); }),
+              R"(InvalidEnumError: invalid DaemonDetail text "timeout|lostSocket")");
 }
 
 TEST(DaemonStatusMsg, SkipsNoDetailBeforeAnotherOne) { EXPECT_EQ(DaemonDetail::toEnum("noDetail|timeout"), 32); }
 
 TEST(DaemonStatusMsg, RefusesNoDetailBehindAnotherOne) {
-    EXPECT_THROW(DaemonDetail::toEnum("timeout|noDetail"), InvalidEnumError);
+    EXPECT_EQ(errorOf([] { DaemonDetail::toEnum("timeout|noDetail"); }), R"(InvalidEnumError: invalid DaemonDetail text "timeout|noDetail")");
 }
 
 TEST(DaemonStatusMsg, RefusesAnEmptyPieceOfADetail) {
-    EXPECT_THROW(DaemonDetail::toEnum("lostSocket|"), InvalidEnumError);
-    EXPECT_THROW(DaemonDetail::toEnum("|lostSocket"), InvalidEnumError);
-    EXPECT_THROW(DaemonDetail::toEnum("lostSocket||timeout"), InvalidEnumError);
+    for (std::string const text : {"lostSocket|", "|lostSocket", "lostSocket||timeout"}) {
+        EXPECT_EQ(errorOf([&] { DaemonDetail::toEnum(text); }),
+                  "InvalidEnumError: invalid DaemonDetail text \"" + text + '"');
+    }
 }
 
 TEST(DaemonStatusMsg, ReadsAnEmptyDetailAsNone) { EXPECT_EQ(DaemonDetail::toEnum(""), 0); }
 
 TEST(DaemonStatusMsg, HasFourStatuses) {
     expectTexts<DaemonStatus::Enum>({"notReady", "moduleError", "notSecure", "secure"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<DaemonStatus::Enum>(4)); }),
-              "invalid DaemonStatus value 4");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { DaemonStatus::toEnum("invalid"); }),
-              R"(invalid DaemonStatus text "invalid")");
+    EXPECT_EQ(errorOf([] { toString(static_cast<DaemonStatus::Enum>(4)); }),
+              "InvalidEnumError: invalid DaemonStatus value 4");
+    EXPECT_EQ(errorOf([] { DaemonStatus::toEnum("invalid"); }),
+              R"(InvalidEnumError: invalid DaemonStatus text "invalid")");
 }
 
 TEST(DaemonStatusMsg, QuestionHasRole1) {
@@ -122,13 +123,12 @@ TEST(DaemonStatusMsg, RepeatingAnswerKeepsEveryFieldOfTheRequest) {
 }
 
 TEST(DaemonStatusMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>(
-                  [] { DaemonStatusMsg(noRequest, controller, DaemonStatus::secure, DaemonDetail::noDetail); }),
-              "msg is null");
-    EXPECT_EQ(errorText<NullPointerError>(
-                  [] { DaemonStatusMsg::create(noRequest, controller, DaemonStatus::secure, DaemonDetail::noDetail); }),
-              "msg is null");
-    EXPECT_EQ(errorText<NullPointerError>([] { DaemonStatusMsg::create(noRequest, ZResult::success); }), "msg is null");
+    EXPECT_EQ(errorOf([] { DaemonStatusMsg(noRequest, controller, DaemonStatus::secure, DaemonDetail::noDetail); }),
+              "NullPointerError: msg is null");
+    EXPECT_EQ(
+        errorOf([] { DaemonStatusMsg::create(noRequest, controller, DaemonStatus::secure, DaemonDetail::noDetail); }),
+        "NullPointerError: msg is null");
+    EXPECT_EQ(errorOf([] { DaemonStatusMsg::create(noRequest, ZResult::success); }), "NullPointerError: msg is null");
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "zwave/libquillet/DeviceStatusMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -78,25 +79,23 @@ TEST(DeviceStatusMsg, FilledAnswerAlwaysCarriesResult1) {
 }
 
 TEST(DeviceStatusMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>([] { DeviceStatusMsg::create(noRequest, ZResult::success); }), "msg is null");
-    EXPECT_EQ(errorText<NullPointerError>([] {
+    EXPECT_EQ(errorOf([] { DeviceStatusMsg::create(noRequest, ZResult::success); }), "NullPointerError: msg is null");
+    EXPECT_EQ(errorOf([] {
                   DeviceStatusMsg::create(noRequest, node5, DeviceNetworkStatus::online, DeviceStatus::ready,
                                           DeviceLights::on, SecurityStatus::s0, WakeStatus::awake,
                                           MessageRole::response);
               }),
-              "msg is null");
+              "NullPointerError: msg is null");
 }
 
 TEST(DeviceStatusMsg, ShowsATitleAndSixRows) {
-    StringVecVec rows;
-    report()->accumulateDisplay(rows);
-    EXPECT_EQ(rows, (StringVecVec{{"DeviceStatusMsg:"},
-                                  {"Device address:", "c0ffee01:5"},
-                                  {"Device network status:", "online"},
-                                  {"Device status:", "configuring"},
-                                  {"Device lights:", "on"},
-                                  {"Security status:", "s0"},
-                                  {"Wake status:", "asleep"}}));
+    EXPECT_EQ(shown(*report()), (StringVecVec{{"DeviceStatusMsg:"},
+                                              {"Device address:", "c0ffee01:5"},
+                                              {"Device network status:", "online"},
+                                              {"Device status:", "configuring"},
+                                              {"Device lights:", "on"},
+                                              {"Security status:", "s0"},
+                                              {"Wake status:", "asleep"}}));
 }
 
 TEST(DeviceStatusMsg, NamesTheEnumerationOfAnUnknownText) {
@@ -104,8 +103,8 @@ TEST(DeviceStatusMsg, NamesTheEnumerationOfAnUnknownText) {
          {"DeviceNetworkStatus", "DeviceStatus", "DeviceLights", "SecurityStatus", "WakeStatus"}) {
         std::string key = name;
         key[0] = static_cast<char>(key[0] - 'A' + 'a');
-        EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::DeviceStatusMsg",")" + key + R"(_":"Nonsense"})"),
-                  (Refusal{"InvalidEnumError", "invalid " + std::string(name) + " text \"Nonsense\""}));
+        EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::DeviceStatusMsg",")" + key + R"(_":"Nonsense"})"),
+                  "InvalidEnumError: invalid " + std::string(name) + " text \"Nonsense\"");
     }
 }
 

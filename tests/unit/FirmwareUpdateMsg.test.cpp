@@ -1,9 +1,10 @@
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
 
 #include "platform/libtransport/throwInvalidEnum.h"
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <gtest/gtest.h>
 
@@ -29,8 +30,8 @@ void expectMembers(FirmwareUpdateMsg const& message, ZResult::Enum result, std::
 TEST(FirmwareUpdateStatus, HasItsTexts) { expectTexts<Status::Enum>({"idle", "restart", "running", "complete"}); }
 
 TEST(FirmwareUpdateStatus, HasNoTextInvalid) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { Status::toEnum("invalid"); }),
-              "invalid FirmwareUpdateStatus text \"invalid\"");
+    EXPECT_EQ(errorOf([] { Status::toEnum("invalid"); }),
+              "InvalidEnumError: invalid FirmwareUpdateStatus text \"invalid\"");
 }
 
 TEST(FirmwareUpdateMsg, HasATimeoutOf180) { EXPECT_EQ(FirmwareUpdateMsg::DEFAULT_TIMEOUT, 180U); }
@@ -83,9 +84,8 @@ TEST(FirmwareUpdateMsg, ResponseTakesItsLastArgumentAsTimeoutAndTheCountryCodeFr
 
 TEST(FirmwareUpdateMsg, ResponseToNoRequestIsAnError) {
     boost::shared_ptr<FirmwareUpdateMsg> const none;
-    EXPECT_EQ(
-        errorText<NullPointerError>([&] { FirmwareUpdateMsg::create(none, ZResult::success, Status::complete, 50); }),
-        "msg is null");
+    EXPECT_EQ(errorOf([&] { FirmwareUpdateMsg::create(none, ZResult::success, Status::complete, 50); }),
+              "NullPointerError: msg is null");
 }
 
 TEST(FirmwareUpdateMsg, WritesItsMembersInOrder) {
@@ -96,20 +96,18 @@ TEST(FirmwareUpdateMsg, WritesItsMembersInOrder) {
 
 TEST(FirmwareUpdateMsg, WithAStatusAboveCompleteCannotBeWritten) {
     auto const message = FirmwareUpdateMsg::create(Status::Enum(4), 0);
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { wireText(*message); }), "invalid FirmwareUpdateStatus value 4");
+    EXPECT_EQ(errorOf([&] { wireText(*message); }), "InvalidEnumError: invalid FirmwareUpdateStatus value 4");
 }
 
 TEST(FirmwareUpdateMsg, CannotBeReadWithAnUnknownStatus) {
-    EXPECT_EQ(errorText<InvalidEnumError>(
-                  [] { readBack<FirmwareUpdateMsg>(R"({"__name__":"zorv::FirmwareUpdateMsg","status_":"Idle"})"); }),
-              "invalid FirmwareUpdateStatus text \"Idle\"");
+    EXPECT_EQ(
+        errorOf([] { readBack<FirmwareUpdateMsg>(R"({"__name__":"zorv::FirmwareUpdateMsg","status_":"Idle"})"); }),
+        "InvalidEnumError: invalid FirmwareUpdateStatus text \"Idle\"");
 }
 
 TEST(FirmwareUpdateMsg, ShowsCountryStatusAndProgressButNoResult) {
     FirmwareUpdateMsg const message(ZResult::inProgress, "xx", Status::running, 42, 90);
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    EXPECT_EQ(rows,
+    EXPECT_EQ(shown(message),
               (StringVecVec{{"Country code:", "xx"}, {"Update status:", "running"}, {"Percent complete:", "42"}}));
 }
 

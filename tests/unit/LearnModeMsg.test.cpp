@@ -1,6 +1,8 @@
 #include "zwave/libquillet/LearnModeMsg.h"
 
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -51,16 +53,14 @@ TEST(LearnModeMsgDeathTest, AnswersNoRequestOnlyByEndingTheProcess) {
 
 TEST(LearnModeMsg, ShowsItsStatusAlone) {
     LearnModeMsg const message(LearnMode::classic, ZResult::success, LearnModeStatus::started, 5);
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    EXPECT_EQ(rows, (StringVecVec{{"Learn status:", "started"}}));
+    EXPECT_EQ(shown(message), (StringVecVec{{"Learn status:", "started"}}));
 }
 
 TEST(LearnModeMsg, RefusesUnknownTexts) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::LearnModeMsg","mode_":"Classic"})"),
-              (Refusal{"InvalidEnumError", R"(invalid LearnMode text "Classic")"}));
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::LearnModeMsg","status_":"classic"})"),
-              (Refusal{"InvalidEnumError", R"(invalid LearnModeStatus text "classic")"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::LearnModeMsg","mode_":"Classic"})"),
+              R"(InvalidEnumError: invalid LearnMode text "Classic")");
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::LearnModeMsg","status_":"classic"})"),
+              R"(InvalidEnumError: invalid LearnModeStatus text "classic")");
 }
 
 } // namespace

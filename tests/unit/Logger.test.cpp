@@ -1,7 +1,7 @@
 #include "platform/libzorvlogger/Logger.h"
 
 #include "platform/libzorvlogger/logExceptionWarning.h"
-#include "tests/unit/LogCapture.h"
+#include "tests/support/LogCapture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,9 @@
 #include "zwave/libquillet/ManageFailedNodeMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <boost/make_shared.hpp>
 
@@ -16,8 +17,8 @@ constexpr ManageFailedNodeOp::Enum operation(int flags) { return static_cast<Man
 TEST(ManageFailedNodeMsg, SkipsInvalidBeforeAnotherFlag) { EXPECT_EQ(ManageFailedNodeOp::toEnum("invalid|remove"), 1); }
 
 TEST(ManageFailedNodeMsg, RefusesInvalidBehindAnotherFlag) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { ManageFailedNodeOp::toEnum("remove|invalid"); }),
-              R"(invalid ManageFailedNodeOp text "remove|invalid")");
+    EXPECT_EQ(errorOf([] { ManageFailedNodeOp::toEnum("remove|invalid"); }),
+              R"(InvalidEnumError: invalid ManageFailedNodeOp text "remove|invalid")");
 }
 
 TEST(ManageFailedNodeMsg, ReadsAbortAloneAsEight) { EXPECT_EQ(ManageFailedNodeOp::toEnum("abort"), 8); }
@@ -28,8 +29,8 @@ TEST(ManageFailedNodeMsg, ReadsTheOperationInvalidAsZero) { EXPECT_EQ(ManageFail
 
 TEST(ManageFailedNodeMsg, RefusesFlagsOutOfOrderRepeatedOrUnknown) {
     for (auto const* const text : {"force|remove", "remove|remove", "remove|delete", "Remove", "remove|", "|remove"}) {
-        EXPECT_EQ(errorText<InvalidEnumError>([&] { ManageFailedNodeOp::toEnum(text); }),
-                  std::string("invalid ManageFailedNodeOp text \"") + text + '"');
+        EXPECT_EQ(errorOf([&] { ManageFailedNodeOp::toEnum(text); }),
+                  std::string("InvalidEnumError: invalid ManageFailedNodeOp text \"") + text + '"');
     }
 }
 
@@ -46,13 +47,13 @@ TEST(ManageFailedNodeMsg, WritesSomeFlagsWithoutTheOthers) {
 
 TEST(ManageFailedNodeMsg, RefusesOperation16AfterWritingNothing) {
     std::ostringstream os;
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { os << operation(16); }), "invalid ManageFailedNodeOp value 16");
+    EXPECT_EQ(errorOf([&] { os << operation(16); }), "InvalidEnumError: invalid ManageFailedNodeOp value 16");
     EXPECT_EQ(os.str(), "");
 }
 
 TEST(ManageFailedNodeMsg, RefusesOperation21AfterWritingItsKnownFlags) {
     std::ostringstream os;
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { os << operation(21); }), "invalid ManageFailedNodeOp value 21");
+    EXPECT_EQ(errorOf([&] { os << operation(21); }), "InvalidEnumError: invalid ManageFailedNodeOp value 21");
     EXPECT_EQ(os.str(), "remove|force");
 }
 
@@ -81,10 +82,10 @@ TEST(ManageFailedNodeMsg, TellsStatus2FromStatus3ByTheLastLetter) {
 TEST(ManageFailedNodeMsg, HasNineStatuses) {
     expectTexts<ManageFailedNodeStatus::Enum>({"invalid", "removed", "replace", "replaced", "nodeNotFailed",
                                                "nodeNotFound", "timeout", "aborting", "failure"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<ManageFailedNodeStatus::Enum>(9)); }),
-              "invalid ManageFailedNodeStatus value 9");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { ManageFailedNodeStatus::toEnum(""); }),
-              R"(invalid ManageFailedNodeStatus text "")");
+    EXPECT_EQ(errorOf([] { toString(static_cast<ManageFailedNodeStatus::Enum>(9)); }),
+              "InvalidEnumError: invalid ManageFailedNodeStatus value 9");
+    EXPECT_EQ(errorOf([] { ManageFailedNodeStatus::toEnum(""); }),
+              R"(InvalidEnumError: invalid ManageFailedNodeStatus text "")");
 }
 
 TEST(ManageFailedNodeMsg, RequestTakesResultAndStatusAndHasTheDefaultTimeout) {
@@ -112,11 +113,11 @@ TEST(ManageFailedNodeMsg, AnswerTakesOperationAndAddressFromTheRequestAndTheRest
 }
 
 TEST(ManageFailedNodeMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>([] {
+    EXPECT_EQ(errorOf([] {
                   ManageFailedNodeMsg::create(boost::shared_ptr<ManageFailedNodeMsg>(), ZResult::success,
                                               ManageFailedNodeStatus::removed, 1);
               }),
-              "msg is null");
+              "NullPointerError: msg is null");
 }
 
 TEST(ManageFailedNodeMsg, StatusCanBeSet) {
@@ -127,13 +128,11 @@ TEST(ManageFailedNodeMsg, StatusCanBeSet) {
 
 TEST(ManageFailedNodeMsg, ShowsATitleAndFourRowsButNotTheTimeout) {
     ManageFailedNodeMsg const message(operation(5), failedNode, ZResult::success, ManageFailedNodeStatus::removed, 9);
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    EXPECT_EQ(rows, (StringVecVec{{"Manage Failed Node"},
-                                  {"Operation:", "remove|force"},
-                                  {"Address:", "c0ffee01:7"},
-                                  {"Result:", "success"},
-                                  {"Status:", "removed"}}));
+    EXPECT_EQ(shown(message), (StringVecVec{{"Manage Failed Node"},
+                                            {"Operation:", "remove|force"},
+                                            {"Address:", "c0ffee01:7"},
+                                            {"Result:", "success"},
+                                            {"Status:", "removed"}}));
 }
 
 } // namespace

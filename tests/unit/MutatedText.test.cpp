@@ -2,17 +2,13 @@
 // that behaves: it writes itself, the text it writes reads back to the same text, and it can be shown, printed and
 // answered.
 
-#include "platform/libtransport/Serializer.h"
-#include "platform/libtransport/readSerializable.h"
-#include "tests/testPaths.h"
+#include "tests/support/golden.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <sstream>
 #include <string>
@@ -22,16 +18,8 @@ namespace zorv {
 namespace {
 
 std::vector<std::string> goldenTexts() {
-    std::vector<std::filesystem::path> files;
-    for (auto const& entry : std::filesystem::directory_iterator(sourcePath("tests/golden"))) {
-        if (entry.path().extension() == ".json") { files.push_back(entry.path()); }
-    }
-    std::sort(files.begin(), files.end());
     std::vector<std::string> texts;
-    for (auto const& file : files) {
-        std::ifstream in(file.string());
-        texts.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    for (auto const& name : goldenNames()) { texts.push_back(golden(name)); }
     return texts;
 }
 
@@ -82,20 +70,13 @@ private:
     std::mt19937 random_{20260131}; // the same texts in every run
 };
 
-std::string written(Serializable const& object) {
-    Serializer s;
-    object.serialInserter(s);
-    return s.str();
-}
-
 /// Uses a message as a daemon or a client would; a refusal is fine, everything else is not.
 void use(TMessage const& message) {
     std::ostringstream printed;
     message.print(printed);
     auto const* const nvm = dynamic_cast<ManageNvmMsg const*>(&message);
     try {
-        StringVecVec rows;
-        message.accumulateDisplay(rows);
+        auto const rows = shown(message);
         if (nvm != nullptr && nvm->checkBlobs()) { nvm->size(); }
     } catch (std::exception const&) { // what cannot be shown or checked is refused
     }
@@ -121,8 +102,8 @@ TEST(MutatedText, IsRefusedOrReadAsAMessageThatBehaves) {
             continue;
         }
         ++read;
-        auto const once = written(*object);
-        ASSERT_EQ(written(*readSerializable(once)), once) << text;
+        auto const once = wireText(*object);
+        ASSERT_EQ(wireText(*readSerializable(once)), once) << text;
         if (auto const* const message = dynamic_cast<TMessage const*>(object.get())) { use(*message); }
     }
     // A damage that never leaves a message, or never breaks one, would test nothing.

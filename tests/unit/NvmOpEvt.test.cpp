@@ -1,9 +1,9 @@
 #include "zwave/libquillet/NvmOpEvt.h"
 
 #include "platform/libtransport/throwInvalidEnum.h"
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/wire.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 #include "zwave/libquillet/PingMsg.h"
 
@@ -19,7 +19,7 @@ namespace {
 TEST(NvmOp, HasItsTexts) { expectTexts<NvmOp::Enum>({"none", "clear", "save", "restore"}); }
 
 TEST(NvmOp, HasNoTextInvalid) {
-    EXPECT_EQ(errorText<InvalidEnumError>([] { NvmOp::toEnum("invalid"); }), "invalid NvmOp text \"invalid\"");
+    EXPECT_EQ(errorOf([] { NvmOp::toEnum("invalid"); }), "InvalidEnumError: invalid NvmOp text \"invalid\"");
 }
 
 TEST(NvmOp, IsNumberedUnlikeTheOperationsOfManageNvmMsg) {
@@ -40,7 +40,7 @@ TEST(NvmOpEvt, OfOperation2IsWrittenAsSave) {
 
 TEST(NvmOpEvt, OfOperation4CannotBeWritten) {
     NvmOpEvt const event(NvmOp::Enum(4));
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { wireText(event); }), "invalid NvmOp value 4");
+    EXPECT_EQ(errorOf([&] { wireText(event); }), "InvalidEnumError: invalid NvmOp value 4");
 }
 
 TEST(NvmOpEvt, IsCorrelatedWithAndAddressedLikeItsCause) {
@@ -60,9 +60,8 @@ TEST(NvmOpEvt, MayBeCausedByAMessageThatExpectsNoAnswer) {
 }
 
 TEST(NvmOpEvt, CannotBeReadWithAnUnknownOperation) {
-    EXPECT_EQ(
-        errorText<InvalidEnumError>([] { readBack<NvmOpEvt>(R"({"__name__":"zorv::NvmOpEvt","op_":"validate"})"); }),
-        "invalid NvmOp text \"validate\"");
+    EXPECT_EQ(errorOf([] { readBack<NvmOpEvt>(R"({"__name__":"zorv::NvmOpEvt","op_":"validate"})"); }),
+              "InvalidEnumError: invalid NvmOp text \"validate\"");
 }
 
 TEST(NvmOpEvt, PrintsItsWireText) {

@@ -1,7 +1,9 @@
 #include "zwave/libquillet/PingMsg.h"
 
-#include "tests/unit/golden.h"
-#include "tests/unit/wire.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/golden.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,10 +21,6 @@ using Row = std::vector<std::string>;
 ZwaveAddress const node5(0xC0FFEE01, 5);
 TimeStamp const noon(1769860800000); // 2026-01-31T12:00:00.000Z
 
-boost::shared_ptr<PingMsg> readPing(std::string const& text) {
-    return boost::dynamic_pointer_cast<PingMsg>(readSerializable(text));
-}
-
 TEST(PingMsg, HasTheDefaultsOfAnAddressThatIsNone) {
     PingMsg const ping;
     EXPECT_EQ(ping.destination(), ZwaveAddress(0, 0));
@@ -38,8 +36,7 @@ TEST(PingMsg, ARequestNamesItsDestination) {
 }
 
 TEST(PingMsg, ReadsEveryMemberOfItsGoldenText) {
-    auto const ping = readPing(golden("PingMsg"));
-    ASSERT_NE(ping, nullptr);
+    auto const ping = readBack<PingMsg>(golden("PingMsg"));
     EXPECT_EQ(ping->destination(), node5);
     EXPECT_EQ(ping->latencyMs(), 250U);
     EXPECT_EQ(ping->result(), ZResult::success);
@@ -51,18 +48,14 @@ TEST(PingMsg, RebuiltFromItsJsonItHasTheDestinationAndTheLatencyAndNothingThatIs
     ping->count(7);
     ping->time(noon);
 
-    auto const rebuilt = readPing(wireText(*ping));
-    ASSERT_NE(rebuilt, nullptr);
+    auto const rebuilt = readBack<PingMsg>(wireText(*ping));
     EXPECT_EQ(rebuilt->destination(), node5);
     EXPECT_EQ(rebuilt->latencyMs(), 250U);
-    StringVecVec rows;
-    rebuilt->accumulateDisplay(rows);
-    EXPECT_THAT(rows, ElementsAre(Row{"0", "1970-01-01T00:00:00.000Z", "c0ffee01:5", "success", "250"}));
+    EXPECT_THAT(shown(*rebuilt), ElementsAre(Row{"0", "1970-01-01T00:00:00.000Z", "c0ffee01:5", "success", "250"}));
 }
 
 TEST(PingMsg, AResponseToNoRequestIsRefused) {
-    EXPECT_EQ(refusalOf([] { PingMsg::create(nullptr, ZResult::success, 1); }),
-              (Refusal{"NullPointerError", "msg is null"}));
+    EXPECT_EQ(errorOf([] { PingMsg::create(nullptr, ZResult::success, 1); }), "NullPointerError: msg is null");
 }
 
 TEST(PingMsg, AResponseKeepsTheDestinationCountTimeAndHeaderOfItsRequest) {
@@ -73,10 +66,8 @@ TEST(PingMsg, AResponseKeepsTheDestinationCountTimeAndHeaderOfItsRequest) {
 
     auto const response = PingMsg::create(request, ZResult::timeout, 0);
     EXPECT_EQ(response->destination(), node5);
-    StringVecVec rows;
-    response->accumulateDisplay(rows);
-    EXPECT_THAT(rows, ElementsAre(Row{"Count", "Time", "Address", "Result", "Latency"},
-                                  Row{"7", "2026-01-31T12:00:00.000Z", "c0ffee01:5", "timeout", "0"}));
+    EXPECT_THAT(shown(*response), ElementsAre(Row{"Count", "Time", "Address", "Result", "Latency"},
+                                              Row{"7", "2026-01-31T12:00:00.000Z", "c0ffee01:5", "timeout", "0"}));
 }
 
 TEST(PingMsg, AResponseIsLinkedToItsRequest) {
@@ -91,16 +82,14 @@ TEST(PingMsg, AResponseIsLinkedToItsRequest) {
 
 TEST(PingMsg, AResponseWithLatency250ShowsItInColumn4AndTheResultsTextInColumn3) {
     auto const response = PingMsg::create(PingMsg::create(node5), ZResult::success, 250);
-    StringVecVec rows;
-    response->accumulateDisplay(rows);
+    auto const rows = shown(*response);
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].at(4), "250");
     EXPECT_EQ(rows[0].at(3), "success");
 }
 
 TEST(PingMsg, ShowsOneRowOfFiveCellsWithoutItsHeader) {
-    StringVecVec rows;
-    PingMsg::create(node5)->accumulateDisplay(rows);
+    auto const rows = shown(*PingMsg::create(node5));
     ASSERT_EQ(rows.size(), 1U);
     EXPECT_EQ(rows[0].size(), 5U);
 }
@@ -108,8 +97,7 @@ TEST(PingMsg, ShowsOneRowOfFiveCellsWithoutItsHeader) {
 TEST(PingMsg, ShowsTwoRowsWithItsHeader) {
     auto const ping = PingMsg::create(node5);
     ping->header(true);
-    StringVecVec rows;
-    ping->accumulateDisplay(rows);
+    auto const rows = shown(*ping);
     ASSERT_EQ(rows.size(), 2U);
     EXPECT_EQ(rows[0], (Row{"Count", "Time", "Address", "Result", "Latency"}));
 }
@@ -124,15 +112,13 @@ TEST(PingMsg, AppendsItsRowsToThoseThatAreThere) {
 TEST(PingMsg, ShowsANegativeCountAsItIs) {
     auto const ping = PingMsg::create(node5);
     ping->count(-1);
-    StringVecVec rows;
-    ping->accumulateDisplay(rows);
+    auto const rows = shown(*ping);
     EXPECT_EQ(rows.at(0).at(0), "-1");
 }
 
 TEST(PingMsg, AsksForWidthsOfColumns0And3) {
     auto const ping = PingMsg::create(node5);
-    StringVecVec rows;
-    ping->accumulateDisplay(rows);
+    shown(*ping);
     EXPECT_THAT(ping->widths(), ElementsAre(6U, 0U, 0U, 17U));
 }
 
@@ -142,20 +128,18 @@ TEST(PingMsg, IsCopiedWithWhatIsTheClientsOwn) {
     ping.count(7);
     ping.time(noon);
     PingMsg const copy(ping);
-    StringVecVec rows;
-    copy.accumulateDisplay(rows);
-    EXPECT_THAT(rows, ElementsAre(Row{"Count", "Time", "Address", "Result", "Latency"},
-                                  Row{"7", "2026-01-31T12:00:00.000Z", "c0ffee01:5", "none", "0"}));
+    EXPECT_THAT(shown(copy), ElementsAre(Row{"Count", "Time", "Address", "Result", "Latency"},
+                                         Row{"7", "2026-01-31T12:00:00.000Z", "c0ffee01:5", "none", "0"}));
 }
 
 TEST(PingMsg, RefusesALatencyThatIsNegative) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::PingMsg","latencyMs_":-1})"),
-              (Refusal{"SerializerError", "latencyMs_: expected unsigned int, got -1"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::PingMsg","latencyMs_":-1})"),
+              "SerializerError: latencyMs_: expected unsigned int, got -1");
 }
 
 TEST(PingMsg, RefusesAnAddressWithABadNodeIdByItsPath) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::PingMsg","destination_":{"nodeId_":"5"}})"),
-              (Refusal{"SerializerError", "destination_.nodeId_: expected unsigned byte, got string"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::PingMsg","destination_":{"nodeId_":"5"}})"),
+              "SerializerError: destination_.nodeId_: expected unsigned byte, got string");
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/QuitMsg.h"
 
-#include "tests/unit/ownMembers.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {

@@ -1,8 +1,8 @@
 #include "platform/libzorvshared/RawCommand.h"
 
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
-#include "tests/unit/wire.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/golden.h"
+#include "tests/support/wire.h"
 
 #include <gtest/gtest.h>
 
@@ -11,13 +11,11 @@ namespace {
 
 TEST(RawCommand, WritesItsGoldenTextAfterReadingIt) {
     auto const command = readBack<RawCommand>(golden("RawCommand"));
-    ASSERT_TRUE(command);
     EXPECT_EQ(wireText(*command), golden("RawCommand"));
 }
 
 TEST(RawCommand, IsAGenericCommandThatGivesTheBytesAsTheyAre) {
     auto const command = readBack<GenericCommand>(golden("RawCommand"));
-    ASSERT_TRUE(command);
     EXPECT_EQ(command->bytes(), (std::vector<unsigned char>{0x25, 0x01, 0xFF}));
 }
 
@@ -30,18 +28,18 @@ TEST(RawCommand, MayBeEmpty) {
 }
 
 TEST(RawCommand, ReadsNoNumberThatIsNoByte) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::RawCommand","data_":[1,256]})"),
-              (Refusal{"SerializerError", "data_[1]: expected unsigned byte, got 256"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RawCommand","data_":[1,256]})"),
+              "SerializerError: data_[1]: expected unsigned byte, got 256");
 }
 
 TEST(RawCommand, ReadsNoDataThatIsNoArray) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::RawCommand","data_":"AQ=="})"),
-              (Refusal{"SerializerError", "data_: expected array, got string"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RawCommand","data_":"AQ=="})"),
+              "SerializerError: data_: expected array, got string");
 }
 
 TEST(GenericCommand, CannotBeReadByItself) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::GenericCommand"})"),
-              (Refusal{"SerializerError", "unknown class \"zorv::GenericCommand\""}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::GenericCommand"})"),
+              "SerializerError: unknown class \"zorv::GenericCommand\"");
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "zwave/libquillet/RequestNeighborUpdateMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -44,23 +45,21 @@ TEST(RequestNeighborUpdateMsg, AnswerTakesTheAddressFromItsArgumentEvenWhereTheR
 }
 
 TEST(RequestNeighborUpdateMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>([] {
+    EXPECT_EQ(errorOf([] {
                   RequestNeighborUpdateMsg::create(boost::shared_ptr<RequestNeighborUpdateMsg>(), ZResult::success,
                                                    node5, RequestNeighborUpdateStatus::done, 1);
               }),
-              "msg is null");
+              "NullPointerError: msg is null");
 }
 
 TEST(RequestNeighborUpdateMsg, ShowsTheNodeIdInHexAndTheStatus) {
     RequestNeighborUpdateMsg const message(ZResult::success, node32, RequestNeighborUpdateStatus::done, 1);
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    EXPECT_EQ(rows, (StringVecVec{{"Node id:", "20"}, {"Request status:", "done"}}));
+    EXPECT_EQ(shown(message), (StringVecVec{{"Node id:", "20"}, {"Request status:", "done"}}));
 }
 
 TEST(RequestNeighborUpdateMsg, RefusesAnUnknownStatus) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::RequestNeighborUpdateMsg","status_":"overflow"})"),
-              (Refusal{"InvalidEnumError", R"(invalid RequestNeighborUpdateStatus text "overflow")"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RequestNeighborUpdateMsg","status_":"overflow"})"),
+              R"(InvalidEnumError: invalid RequestNeighborUpdateStatus text "overflow")");
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "zwave/libquillet/RequestNetworkUpdateMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -48,23 +49,21 @@ TEST(RequestNetworkUpdateMsg, AnswerTakesEverythingFromItsArguments) {
 }
 
 TEST(RequestNetworkUpdateMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>([] {
+    EXPECT_EQ(errorOf([] {
                   RequestNetworkUpdateMsg::create(boost::shared_ptr<RequestNetworkUpdateMsg>(), ZResult::success,
                                                   RequestNetworkUpdateStatus::done, 1);
               }),
-              "msg is null");
+              "NullPointerError: msg is null");
 }
 
 TEST(RequestNetworkUpdateMsg, ShowsItsStatusAndItsSignedTimeout) {
     RequestNetworkUpdateMsg const message(ZResult::success, RequestNetworkUpdateStatus::overflow, 4294967286U);
-    StringVecVec rows;
-    message.accumulateDisplay(rows);
-    EXPECT_EQ(rows, (StringVecVec{{"Request status:", "overflow"}, {"Timeout:", "-10"}}));
+    EXPECT_EQ(shown(message), (StringVecVec{{"Request status:", "overflow"}, {"Timeout:", "-10"}}));
 }
 
 TEST(RequestNetworkUpdateMsg, RefusesAnUnknownStatus) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::RequestNetworkUpdateMsg","status_":"started"})"),
-              (Refusal{"InvalidEnumError", R"(invalid RequestNetworkUpdateStatus text "started")"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RequestNetworkUpdateMsg","status_":"started"})"),
+              R"(InvalidEnumError: invalid RequestNetworkUpdateStatus text "started")");
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "zwave/libquillet/ResetDefaultsMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -34,9 +34,8 @@ TEST(ResetDefaultsMsg, AnswerKeepsTheRequestAndCarriesTheNewTimeout) {
 }
 
 TEST(ResetDefaultsMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>(
-                  [] { ResetDefaultsMsg::create(boost::shared_ptr<ResetDefaultsMsg>(), ZResult::success, 1); }),
-              "msg is null");
+    EXPECT_EQ(errorOf([] { ResetDefaultsMsg::create(boost::shared_ptr<ResetDefaultsMsg>(), ZResult::success, 1); }),
+              "NullPointerError: msg is null");
 }
 
 TEST(ResetDefaultsMsg, ReaderStartsFromTheDefaultTimeout) {

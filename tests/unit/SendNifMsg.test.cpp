@@ -1,6 +1,7 @@
 #include "zwave/libquillet/SendNifMsg.h"
 
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/wire.h"
 
 namespace zorv {
 namespace {
@@ -32,8 +33,8 @@ TEST(SendNifMsgDeathTest, AnswersNoRequestOnlyByEndingTheProcess) {
 #endif
 
 TEST(SendNifMsg, RefusesAnUnknownOption) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::SendNifMsg","options_":"ack|beam"})"),
-              (Refusal{"InvalidEnumError", R"(invalid TransmitOption text "ack|beam")"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SendNifMsg","options_":"ack|beam"})"),
+              R"(InvalidEnumError: invalid TransmitOption text "ack|beam")");
 }
 
 } // namespace

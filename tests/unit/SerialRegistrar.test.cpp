@@ -2,8 +2,8 @@
 
 #include "platform/libtransport/Serializable.h"
 #include "platform/libtransport/readSerializable.h"
-#include "tests/unit/LogCapture.h"
-#include "tests/unit/wire.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/errorOf.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -52,8 +52,7 @@ TEST(SerialRegistrar, EntersAFactoryAsLongAsItLives) {
     }
     EXPECT_THAT(SerialRegistry::names(), Not(Contains("test::Made")));
     EXPECT_TRUE(SerialRegistry::find("test::Made").empty());
-    EXPECT_EQ(refusalOfText("{\"__name__\":\"test::Made\"}"),
-              (Refusal{"SerializerError", "unknown class \"test::Made\""}));
+    EXPECT_EQ(errorOfReading("{\"__name__\":\"test::Made\"}"), "SerializerError: unknown class \"test::Made\"");
 }
 
 TEST(SerialRegistrar, RefusesASecondRegistrationWithOneWarning) {

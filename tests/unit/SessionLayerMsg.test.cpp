@@ -1,8 +1,8 @@
 #include "zwave/libquillet/SessionLayerMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/wire.h"
 
 #include <boost/make_shared.hpp>
 
@@ -35,23 +35,23 @@ TEST(SessionLayerMsg, RejectsTheOperationTextInvalid) {
     auto const value = text.find(R"("op_":"status")");
     ASSERT_NE(value, std::string::npos);
     text.replace(value, 14, R"("op_":"invalid")");
-    EXPECT_EQ(errorText<InvalidEnumError>([&] { readSerializable(text); }), R"(invalid SessionLayerOp text "invalid")");
+    EXPECT_EQ(errorOf([&] { readSerializable(text); }), R"(InvalidEnumError: invalid SessionLayerOp text "invalid")");
 }
 
 TEST(SessionLayerMsg, HasTwoOperations) {
     expectTexts<SessionLayerOp::Enum>({"status", "ping"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SessionLayerOp::Enum>(2)); }),
-              "invalid SessionLayerOp value 2");
+    EXPECT_EQ(errorOf([] { toString(static_cast<SessionLayerOp::Enum>(2)); }),
+              "InvalidEnumError: invalid SessionLayerOp value 2");
 }
 
 TEST(SessionLayerMsg, HasTwelveStatuses) {
     expectTexts<SessionLayerStatus::Enum>({"unknown", "idle", "threadRunning", "threadStopped", "frameNormal",
                                            "frameChecksumError", "frameRetriesFailedError", "frameTimeoutError",
                                            "moduleNotPresent", "moduleClosed", "moduleConfigFailure", "moduleOpen"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SessionLayerStatus::Enum>(12)); }),
-              "invalid SessionLayerStatus value 12");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { SessionLayerStatus::toEnum("Idle"); }),
-              R"(invalid SessionLayerStatus text "Idle")");
+    EXPECT_EQ(errorOf([] { toString(static_cast<SessionLayerStatus::Enum>(12)); }),
+              "InvalidEnumError: invalid SessionLayerStatus value 12");
+    EXPECT_EQ(errorOf([] { SessionLayerStatus::toEnum("Idle"); }),
+              R"(InvalidEnumError: invalid SessionLayerStatus text "Idle")");
 }
 
 TEST(SessionLayerMsg, AnswersWithACopyOfTheRequest) {
@@ -65,9 +65,8 @@ TEST(SessionLayerMsg, AnswersWithACopyOfTheRequest) {
 }
 
 TEST(SessionLayerMsg, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>(
-                  [] { SessionLayerMsg::create(boost::shared_ptr<SessionLayerMsg>(), ZResult::success); }),
-              "msg is null");
+    EXPECT_EQ(errorOf([] { SessionLayerMsg::create(boost::shared_ptr<SessionLayerMsg>(), ZResult::success); }),
+              "NullPointerError: msg is null");
 }
 
 /// A request whose copies are of another class, which no class of the catalogue is.

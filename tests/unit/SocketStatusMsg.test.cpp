@@ -1,8 +1,8 @@
 #include "zwave/libquillet/SocketStatusMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/wire.h"
 
 #include <boost/asio/ip/tcp.hpp>
 
@@ -27,17 +27,17 @@ TEST(SocketStatusMsg, TakesTheEndpointAsItsSource) {
 
 TEST(SocketStatusMsg, HasFourEvents) {
     expectTexts<SocketEvent::Enum>({"invalid", "connect", "disconnect", "error"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<SocketEvent::Enum>(4)); }),
-              "invalid SocketEvent value 4");
+    EXPECT_EQ(errorOf([] { toString(static_cast<SocketEvent::Enum>(4)); }),
+              "InvalidEnumError: invalid SocketEvent value 4");
 }
 
 TEST(SocketStatusMsg, WritesAnEventInHex) { EXPECT_EQ(toHex(SocketEvent::error), "03"); }
 
 TEST(SocketStatusMsg, NamesTheEnumerationOfAnUnknownText) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::SocketStatusMsg","status_":"Connect"})"),
-              (Refusal{"InvalidEnumError", R"(invalid SocketEvent text "Connect")"}));
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::SocketStatusMsg","actor_":"error"})"),
-              (Refusal{"InvalidEnumError", R"(invalid SocketActor text "error")"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SocketStatusMsg","status_":"Connect"})"),
+              R"(InvalidEnumError: invalid SocketEvent text "Connect")");
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SocketStatusMsg","actor_":"error"})"),
+              R"(InvalidEnumError: invalid SocketActor text "error")");
 }
 
 } // namespace

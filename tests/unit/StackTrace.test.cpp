@@ -1,6 +1,7 @@
 #include "platform/libzorvlogger/StackTrace.h"
 
-#include "tests/unit/LogCapture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/shown.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,12 +23,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
-
-std::string printed(StackTrace const& trace) {
-    std::ostringstream os;
-    trace.print(os);
-    return os.str();
-}
 
 TEST(StackTrace, BeginsWithTheFunctionThatMadeIt) {
     auto const text = printed(traceOfACallee());

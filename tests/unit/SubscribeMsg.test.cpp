@@ -1,7 +1,7 @@
 #include "zwave/libquillet/SubscribeMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/wire.h"
 
 #include <boost/make_shared.hpp>
 
@@ -40,8 +40,8 @@ TEST(SubscribeMsg, ShrinksALongerListToTheArrayThatIsRead) {
 }
 
 TEST(SubscribeMsg, RefusesEventsThatAreNotAnArray) {
-    EXPECT_EQ(errorText<SyntaxError>([] { readSerializable(frame + R"("events_":"NvmOpEvt"})"); }),
-              "expected array, got string");
+    EXPECT_EQ(errorOf([] { readSerializable(frame + R"("events_":"NvmOpEvt"})"); }),
+              "SyntaxError: expected array, got string");
 }
 
 TEST(SubscribeMsg, RequestsTakeOneEventOrAList) {

@@ -1,7 +1,7 @@
 #include "zwave/libquillet/SystemStatusEvt.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/wire.h"
 
 #include <boost/make_shared.hpp>
 
@@ -38,14 +38,13 @@ TEST(SystemStatusEvt, AnswerHasResult1AndNoRole) {
 }
 
 TEST(SystemStatusEvt, RefusesToAnswerNoRequest) {
-    EXPECT_EQ(errorText<NullPointerError>(
-                  [] { SystemStatusEvt::create(boost::shared_ptr<SystemStatusEvt>(), SystemStatus::ready); }),
-              "msg is null");
+    EXPECT_EQ(errorOf([] { SystemStatusEvt::create(boost::shared_ptr<SystemStatusEvt>(), SystemStatus::ready); }),
+              "NullPointerError: msg is null");
 }
 
 TEST(SystemStatusEvt, RefusesAnUnknownStatus) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::SystemStatusEvt","status_":"Ready"})"),
-              (Refusal{"InvalidEnumError", R"(invalid SystemStatus text "Ready")"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SystemStatusEvt","status_":"Ready"})"),
+              R"(InvalidEnumError: invalid SystemStatus text "Ready")");
 }
 
 } // namespace

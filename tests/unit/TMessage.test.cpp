@@ -1,8 +1,10 @@
 #include "platform/libtransport/TMessage.h"
 
 #include "platform/libtransport/TConfirmable.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/wire.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/json.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 #include "zwave/libquillet/PingMsg.h"
 
 #include <gmock/gmock.h>
@@ -39,8 +41,8 @@ TMessage readHeader(std::string const& text) {
     return message;
 }
 
-Refusal refusalOfHeader(std::string const& text) {
-    return refusalOf([&] { readHeader(text); });
+std::string errorOfHeader(std::string const& text) {
+    return errorOf([&] { readHeader(text); });
 }
 
 TEST(TMessage, IsVersionOneOfNormalPriorityFromNobodyWithoutARoleByDefault) {
@@ -90,19 +92,13 @@ TEST(TMessage, WritesAnIPv6SourceInBrackets) {
 }
 
 TEST(TMessage, RefusesHeaderMembersOfTheWrongKind) {
-    EXPECT_EQ(refusalOfHeader(R"({"version_":"1"})"),
-              (Refusal{"SerializerError", "version_: expected int, got string"}));
-    EXPECT_EQ(refusalOfHeader(R"({"id_":"x"})"), (Refusal{"SerializerError", "id_: expected UUID, got \"x\""}));
-    EXPECT_EQ(refusalOfHeader(R"({"timestamp_":0})"),
-              (Refusal{"SerializerError", "timestamp_: expected string, got int"}));
-    EXPECT_EQ(refusalOfHeader(R"({"priority_":"urgent"})"),
-              (Refusal{"InvalidEnumError", "invalid Priority text \"urgent\""}));
-    EXPECT_EQ(refusalOfHeader(R"({"source_":"here"})"),
-              (Refusal{"SerializerError", "source_: expected TCP endpoint, got \"here\""}));
-    EXPECT_EQ(refusalOfHeader(R"({"role_":"Request"})"),
-              (Refusal{"InvalidEnumError", "invalid MessageRole text \"Request\""}));
-    EXPECT_EQ(refusalOfHeader(R"({"correlation_":null})"),
-              (Refusal{"SerializerError", "correlation_: expected string, got null"}));
+    EXPECT_EQ(errorOfHeader(R"({"version_":"1"})"), "SerializerError: version_: expected int, got string");
+    EXPECT_EQ(errorOfHeader(R"({"id_":"x"})"), "SerializerError: id_: expected UUID, got \"x\"");
+    EXPECT_EQ(errorOfHeader(R"({"timestamp_":0})"), "SerializerError: timestamp_: expected string, got int");
+    EXPECT_EQ(errorOfHeader(R"({"priority_":"urgent"})"), "InvalidEnumError: invalid Priority text \"urgent\"");
+    EXPECT_EQ(errorOfHeader(R"({"source_":"here"})"), "SerializerError: source_: expected TCP endpoint, got \"here\"");
+    EXPECT_EQ(errorOfHeader(R"({"role_":"Request"})"), "InvalidEnumError: invalid MessageRole text \"Request\"");
+    EXPECT_EQ(errorOfHeader(R"({"correlation_":null})"), "SerializerError: correlation_: expected string, got null");
 }
 
 TEST(TMessage, PrintsItsWireText) {
@@ -113,8 +109,7 @@ TEST(TMessage, PrintsItsWireText) {
 }
 
 TEST(TMessage, ShowsItsHeaderAsLabelsAndValues) {
-    StringVecVec rows;
-    readHeader(header).accumulateDisplay(rows);
+    auto const rows = shown(readHeader(header));
     using Row = std::vector<std::string>;
     EXPECT_THAT(rows, ElementsAre(Row{"Message:", "TMessage"}, Row{"Id:", "11111111-2222-4333-8444-555555555555"},
                                   Row{"Time:", "2026-01-31T12:34:56.789Z"}, Row{"Priority:", "high"},
@@ -235,8 +230,7 @@ TEST(ZResult, HasItsNumbersAndTexts) {
 }
 
 TEST(ZResult, IsNamedZResultInErrors) {
-    EXPECT_EQ(refusalOf([] { ZResult::toEnum("Success"); }),
-              (Refusal{"InvalidEnumError", "invalid ZResult text \"Success\""}));
+    EXPECT_EQ(errorOf([] { ZResult::toEnum("Success"); }), "InvalidEnumError: invalid ZResult text \"Success\"");
 }
 
 } // namespace

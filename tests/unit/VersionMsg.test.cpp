@@ -1,8 +1,9 @@
 #include "zwave/libquillet/VersionMsg.h"
 
 #include "platform/libtransport/SerialValue.h"
-#include "tests/unit/errorText.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/shown.h"
+#include "tests/support/wire.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/make_shared.hpp>
@@ -12,12 +13,6 @@ namespace zorv {
 namespace {
 
 char const* const noText = nullptr;
-
-std::string printed(VersionMsg const& message) {
-    std::ostringstream os;
-    message.print(os);
-    return os.str();
-}
 
 TEST(VersionMsg, WritesTwoKeysAndNoBases) {
     EXPECT_EQ(wireText(VersionMsg("3.7")), R"({"__name__":"zorv::VersionMsg","protocolVersion_":"3.7"})");
@@ -32,7 +27,6 @@ TEST(VersionMsg, EscapesItsTextOnTheWire) {
 TEST(VersionMsg, IsReadFromAMessageWithBasesToo) {
     auto const message = readBack<VersionMsg>(
         R"({"__bases__":[{"__name__":"zorv::Future","what":1}],"protocolVersion_":"9","__name__":"zorv::VersionMsg"})");
-    ASSERT_TRUE(message);
     EXPECT_EQ(message->protocolVersion(), "9");
     EXPECT_EQ(message->result(), ZResult::none);
 }
@@ -96,14 +90,14 @@ TEST(VersionMsg, AnswerCarriesItsOwnTextAndNoResult) {
 }
 
 TEST(VersionMsg, RefusesNoText) {
-    EXPECT_EQ(errorText<NullPointerError>([] { VersionMsg::create(noText); }), "protocol is null");
-    EXPECT_EQ(errorText<NullPointerError>([] { VersionMsg::create(VersionMsg::create("1"), noText); }),
-              "protocol is null");
+    EXPECT_EQ(errorOf([] { VersionMsg::create(noText); }), "NullPointerError: protocol is null");
+    EXPECT_EQ(errorOf([] { VersionMsg::create(VersionMsg::create("1"), noText); }),
+              "NullPointerError: protocol is null");
 }
 
 TEST(VersionMsg, TestsTheRequestBeforeTheText) {
-    EXPECT_EQ(errorText<NullPointerError>([] { VersionMsg::create(boost::shared_ptr<VersionMsg>(), noText); }),
-              "msg is null");
+    EXPECT_EQ(errorOf([] { VersionMsg::create(boost::shared_ptr<VersionMsg>(), noText); }),
+              "NullPointerError: msg is null");
 }
 
 } // namespace

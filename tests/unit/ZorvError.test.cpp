@@ -1,6 +1,8 @@
 #include "zwave/libquillet/ZorvError.h"
 
-#include "tests/unit/LogCapture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/shown.h"
 #include "zwave/libquillet/PingMsg.h"
 
 #include <gmock/gmock.h>
@@ -17,19 +19,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
-
-std::string printed(ZorvError const& error) {
-    std::ostringstream os;
-    error.print(os);
-    return os.str();
-}
-
-/// The frames of a trace, as it prints them.
-std::string printed(StackTrace const& trace) {
-    std::ostringstream os;
-    trace.print(os);
-    return os.str();
-}
 
 /// An error that describes itself in its own words.
 class OutspokenError : public ZorvError {
@@ -75,10 +64,7 @@ TEST(ZorvError, WhatOfAStandardExceptionIsTheFullDescription) {
 }
 
 TEST(ZorvError, BriefWhatOfANullPointerErrorOfAResponseFormIsExactlyMsgIsNull) {
-    try {
-        PingMsg::create(nullptr, ZResult::success, 0);
-        FAIL() << "no error";
-    } catch (NullPointerError const& error) { EXPECT_STREQ(error.briefWhat(), "msg is null"); }
+    EXPECT_EQ(errorOf([] { PingMsg::create(nullptr, ZResult::success, 0); }), "NullPointerError: msg is null");
 }
 
 TEST(ZorvError, PrintOfASyntaxErrorBeginsWithItsClassNameAndText) {

@@ -2,7 +2,8 @@
 
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/TypeDescriptor.h"
-#include "tests/unit/wire.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/wire.h"
 
 #include <gtest/gtest.h>
 
@@ -20,8 +21,8 @@ ZwaveAddress readAddress(std::string const& text) {
     return address;
 }
 
-Refusal refusalOfAddress(std::string const& text) {
-    return refusalOf([&] { readAddress(text); });
+std::string errorOfAddress(std::string const& text) {
+    return errorOf([&] { readAddress(text); });
 }
 
 TEST(ZwaveAddress, IsTheInvalidAddressByDefault) {
@@ -60,20 +61,17 @@ TEST(ZwaveAddress, KeepsWhatIsAbsent) {
 }
 
 TEST(ZwaveAddress, RefusesNumbersThatAreOutOfRange) {
-    EXPECT_EQ(refusalOfAddress(R"({"homeId_":4294967296})"),
-              (Refusal{"SerializerError", "homeId_: expected unsigned int, got 4294967296"}));
-    EXPECT_EQ(refusalOfAddress(R"({"homeId_":-1})"),
-              (Refusal{"SerializerError", "homeId_: expected unsigned int, got -1"}));
-    EXPECT_EQ(refusalOfAddress(R"({"nodeId_":256})"),
-              (Refusal{"SerializerError", "nodeId_: expected unsigned byte, got 256"}));
-    EXPECT_EQ(refusalOfAddress(R"({"nodeId_":-1})"),
-              (Refusal{"SerializerError", "nodeId_: expected unsigned byte, got -1"}));
+    EXPECT_EQ(errorOfAddress(R"({"homeId_":4294967296})"),
+              "SerializerError: homeId_: expected unsigned int, got 4294967296");
+    EXPECT_EQ(errorOfAddress(R"({"homeId_":-1})"), "SerializerError: homeId_: expected unsigned int, got -1");
+    EXPECT_EQ(errorOfAddress(R"({"nodeId_":256})"), "SerializerError: nodeId_: expected unsigned byte, got 256");
+    EXPECT_EQ(errorOfAddress(R"({"nodeId_":-1})"), "SerializerError: nodeId_: expected unsigned byte, got -1");
 }
 
 TEST(ZwaveAddress, RefusesWhatIsNotAnObject) {
-    EXPECT_EQ(refusalOfAddress("[1,2]"), (Refusal{"SerializerError", "expected object, got array"}));
-    EXPECT_EQ(refusalOfAddress("\"c0ffee01:5\""), (Refusal{"SerializerError", "expected object, got string"}));
-    EXPECT_EQ(refusalOfAddress("null"), (Refusal{"SerializerError", "expected object, got null"}));
+    EXPECT_EQ(errorOfAddress("[1,2]"), "SerializerError: expected object, got array");
+    EXPECT_EQ(errorOfAddress("\"c0ffee01:5\""), "SerializerError: expected object, got string");
+    EXPECT_EQ(errorOfAddress("null"), "SerializerError: expected object, got null");
 }
 
 TEST(ZwaveAddress, IsOrderedByHomeIdAndThenByNodeId) {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <system_error>
+
+namespace zorv {
+
+/// The system's own words for an error number such as ENOENT, which are not ours to choose.
+inline std::string systemText(int error) { return std::generic_category().message(error); }
+
+} // namespace zorv
