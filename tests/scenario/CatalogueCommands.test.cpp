@@ -1,6 +1,6 @@
 #include "tests/scenario/OfflineClient.h"
 #include "tests/testPaths.h"
-#include "tests/unit/golden.h"
+#include "tests/support/golden.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

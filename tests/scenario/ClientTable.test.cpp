@@ -15,16 +15,16 @@ using namespace zorv;
 TEST(ClientTable, ColumnsAreAsWideAsTheirLongestCellAndTwoBlanks) {
     std::ostringstream os;
     Table(os).add({{"a", "bbbb", "c"}, {"aaa", "b", "c"}}, {});
-    EXPECT_EQ("a    bbbb  c\naaa  b     c\n", os.str());
+    EXPECT_EQ(os.str(), "a    bbbb  c\naaa  b     c\n");
 }
 
 TEST(ClientTable, WidthThatIsAskedForIsTheLeast) {
     std::ostringstream os;
     Table(os).add({{"a", "b", "c"}, {"aaaaa", "b", "c"}}, {3, 0, 4});
-    EXPECT_EQ("a      b  c\naaaaa  b  c\n", os.str());
+    EXPECT_EQ(os.str(), "a      b  c\naaaaa  b  c\n");
     os.str("");
     Table(os).add({{"a", "b"}}, {6});
-    EXPECT_EQ("a       b\n", os.str());
+    EXPECT_EQ(os.str(), "a       b\n");
 }
 
 TEST(ClientTable, LaterRowsKeepTheColumnsOfTheFirst) {
@@ -32,7 +32,7 @@ TEST(ClientTable, LaterRowsKeepTheColumnsOfTheFirst) {
     Table table(os);
     table.add({{"Title", "x"}}, {});
     table.add({{"1", "x"}}, {});
-    EXPECT_EQ("Title  x\n1      x\n", os.str());
+    EXPECT_EQ(os.str(), "Title  x\n1      x\n");
 }
 
 TEST(ClientTable, LongerCellMovesTheColumnsFromItsRowOn) {
@@ -41,31 +41,31 @@ TEST(ClientTable, LongerCellMovesTheColumnsFromItsRowOn) {
     table.add({{"1", "x"}}, {});
     table.add({{"12345", "x"}}, {});
     table.add({{"1", "x"}}, {});
-    EXPECT_EQ("1  x\n12345  x\n1      x\n", os.str());
+    EXPECT_EQ(os.str(), "1  x\n12345  x\n1      x\n");
 }
 
 TEST(ClientTable, RowsMayHaveDifferentLengthsAndNoTrailingBlanks) {
     std::ostringstream os;
     Table(os).add({{"a"}, {"a", "b", "", ""}, {}, {"", "b"}}, {5});
-    EXPECT_EQ("a\na      b\n\n       b\n", os.str());
+    EXPECT_EQ(os.str(), "a\na      b\n\n       b\n");
 }
 
 TEST(ClientTable, LineEndsAndTabsShowAsBlanks) {
     std::ostringstream os;
     Table(os).add({{"one\n", "two\nlines", "a\tb\vc\fd\re", "end\r\n"}}, {});
-    EXPECT_EQ("one  two lines  a b c d e  end\n", os.str());
+    EXPECT_EQ(os.str(), "one  two lines  a b c d e  end\n");
 }
 
 TEST(ClientTable, OtherControlCharactersShowInHexAndAreCountedSo) {
     std::ostringstream os;
     Table(os).add({{"\x1b[31mred", "x"}, {"\xc2\x9b", "\xff"}}, {});
-    EXPECT_EQ("\\x1b[31mred  x\n\\xc2\\x9b     \\xff\n", os.str());
+    EXPECT_EQ(os.str(), "\\x1b[31mred  x\n\\xc2\\x9b     \\xff\n");
 }
 
 TEST(ClientTable, WidthsCountCharactersAndNotBytes) {
     std::ostringstream os;
     Table(os).add({{"Tür", "x"}, {"door", "x"}}, {});
-    EXPECT_EQ("Tür   x\ndoor  x\n", os.str());
+    EXPECT_EQ(os.str(), "Tür   x\ndoor  x\n");
 }
 
 TEST(ClientTable, PingsShowTheirTitlesOnceAndTheirWidths) {
@@ -80,37 +80,36 @@ TEST(ClientTable, PingsShowTheirTitlesOnceAndTheirWidths) {
     ping->count(2);
     ping->result(ZResult::nodeNotReached);
     table.add(*ping);
-    EXPECT_EQ("Count   Time                      Address     Result             Latency\n"
+    EXPECT_EQ(os.str(), "Count   Time                      Address     Result             Latency\n"
               "1       1970-01-01T00:00:00.000Z  c0ffee01:5  success            0\n"
-              "2       1970-01-01T00:00:00.000Z  c0ffee01:5  nodeNotReached     0\n",
-              os.str());
+              "2       1970-01-01T00:00:00.000Z  c0ffee01:5  nodeNotReached     0\n");
 }
 
 TEST(ClientTable, SeriesOfPingsAppearsRowByRow) {
     DaemonProcess const daemon;
     Process client(clientCommand(daemon.port(), {"ping", "c0ffee01:1", "--count", "3", "--interval", "0.01"}));
-    EXPECT_EQ("Count   Time                      Address     Result             Latency", client.readLine());
+    EXPECT_EQ(client.readLine(), "Count   Time                      Address     Result             Latency");
     for (std::string const count : {"1", "2", "3"}) {
         auto const row = client.readLine();
-        EXPECT_EQ(count + "       ", row.substr(0, 8));
-        EXPECT_EQ("  c0ffee01:1  success            0", row.substr(32));
+        EXPECT_EQ(row.substr(0, 8), count + "       ");
+        EXPECT_EQ(row.substr(32), "  c0ffee01:1  success            0");
     }
-    EXPECT_EQ(0, client.wait());
+    EXPECT_EQ(client.wait(), 0);
     EXPECT_TRUE(client.restOfOutput().empty());
 }
 
 TEST(ClientTable, JsonIsOneLineForEachAnswerAndNothingElse) {
     DaemonProcess const daemon;
     Process client(clientCommand(daemon.port(), {"--json", "ping", "1", "--count", "2", "--interval", "0"}));
-    EXPECT_EQ(0, client.wait());
+    EXPECT_EQ(client.wait(), 0);
     auto const lines = client.restOfOutput();
-    ASSERT_EQ(2U, lines.size());
+    ASSERT_EQ(lines.size(), 2U);
     for (auto const& line : lines) {
-        EXPECT_EQ(0U, line.find("{\"__name__\":\"zorv::PingMsg\","));
+        EXPECT_EQ(line.find("{\"__name__\":\"zorv::PingMsg\","), 0U);
         std::string const end = "\"destination_\":{\"homeId_\":0,\"nodeId_\":1},\"latencyMs_\":0}";
-        EXPECT_EQ(end, line.substr(line.size() - end.size()));
+        EXPECT_EQ(line.substr(line.size() - end.size()), end);
     }
-    EXPECT_EQ("", client.errors());
+    EXPECT_EQ(client.errors(), "");
 }
 
 } // namespace

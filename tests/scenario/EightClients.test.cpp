@@ -66,14 +66,14 @@ TEST(EightClients, GetEachOfTheirThousandAnswersAndNoOther) {
     for (auto& thread : threads) { thread.join(); }
     int answers = 0;
     for (auto const& tally : tallies) {
-        EXPECT_EQ(0, tally.strangers);
-        EXPECT_EQ(125U, tally.correlations.size());
+        EXPECT_EQ(tally.strangers, 0);
+        EXPECT_EQ(tally.correlations.size(), 125U);
         answers += tally.answers;
     }
-    EXPECT_EQ(1000, answers);
+    EXPECT_EQ(answers, 1000);
 }
 
-TEST(EightClients, OneKilledHalfWayCostsTheOthersNothing) {
+TEST(EightClients, GetAllTheirAnswersWhenOneOfThemIsKilledHalfWay) {
     DaemonProcess const daemon;
     std::vector<std::unique_ptr<Process>> processes;
     for (int i = 0; i < clients; ++i) {
@@ -83,16 +83,16 @@ TEST(EightClients, OneKilledHalfWayCostsTheOthersNothing) {
     }
     for (int i = 0; i < pingsEach / 2; ++i) { processes[3]->readLine(); }
     processes[3]->signal(SIGKILL);
-    EXPECT_EQ(128 + SIGKILL, processes[3]->wait());
+    EXPECT_EQ(processes[3]->wait(), 128 + SIGKILL);
     for (std::size_t i = 0; i < clients; ++i) {
         if (i == 3) { continue; }
-        EXPECT_EQ(0, processes[i]->wait()) << processes[i]->errors();
+        EXPECT_EQ(processes[i]->wait(), 0) << processes[i]->errors();
         auto const answers = processes[i]->restOfOutput();
-        EXPECT_EQ(125U, answers.size());
+        EXPECT_EQ(answers.size(), 125U);
         std::string const node = i % 2 == 0 ? "\"nodeId_\":1}" : "\"nodeId_\":2}";
         for (auto const& answer : answers) {
-            EXPECT_NE(std::string::npos, answer.find(node));
-            EXPECT_NE(std::string::npos, answer.find("\"result_\":\"success\""));
+            EXPECT_NE(answer.find(node), std::string::npos);
+            EXPECT_NE(answer.find("\"result_\":\"success\""), std::string::npos);
         }
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/scenario/Process.h"
-#include "tests/unit/TemporaryDirectory.h"
+#include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

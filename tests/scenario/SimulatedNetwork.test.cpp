@@ -23,9 +23,9 @@ NetworkDescription describe(NodeDescription const& node) {
     return network;
 }
 
-void expectOutcome(ZResult::Enum result, int delayMs, SimulatedNetwork::Outcome const& outcome) {
-    EXPECT_EQ(result, outcome.result);
-    EXPECT_EQ(milliseconds(delayMs), outcome.delay);
+void expectOutcome(SimulatedNetwork::Outcome const& outcome, ZResult::Enum result, int delayMs) {
+    EXPECT_EQ(outcome.result, result);
+    EXPECT_EQ(outcome.delay, milliseconds(delayMs));
 }
 
 /// The delays of the next 100 frames, -1 for lost ones.
@@ -40,43 +40,43 @@ std::vector<long> delays(SimulatedNetwork& network, unsigned char node) {
 
 TEST(SimulatedNetwork, AwakeNodeAnswersAfterItsLatency) {
     SimulatedNetwork network(describe({5, NodeState::awake, 40, 0, 0}));
-    expectOutcome(ZResult::success, 40, network.reach({home, 5}));
+    expectOutcome(network.reach({home, 5}), ZResult::success, 40);
 }
 
 TEST(SimulatedNetwork, ControllerAnswersAtOnce) {
     SimulatedNetwork network(describe({5, NodeState::awake, 40, 0, 0}));
-    expectOutcome(ZResult::success, 0, network.reach({home, 1}));
+    expectOutcome(network.reach({home, 1}), ZResult::success, 0);
 }
 
 TEST(SimulatedNetwork, HomeIdZeroStandsForThisNetwork) {
     SimulatedNetwork network(describe({5, NodeState::awake, 40, 0, 0}));
-    expectOutcome(ZResult::success, 40, network.reach({0, 5}));
-    expectOutcome(ZResult::success, 0, network.reach({0, 1}));
+    expectOutcome(network.reach({0, 5}), ZResult::success, 40);
+    expectOutcome(network.reach({0, 1}), ZResult::success, 0);
 }
 
 TEST(SimulatedNetwork, UnknownNodeAndOtherNetworkAreNotFound) {
     SimulatedNetwork network(describe({5, NodeState::awake, 40, 0, 0}));
-    expectOutcome(ZResult::nodeNotFound, 0, network.reach({home, 6}));
-    expectOutcome(ZResult::nodeNotFound, 0, network.reach({home, 0}));
-    expectOutcome(ZResult::nodeNotFound, 0, network.reach({home, 255}));
-    expectOutcome(ZResult::nodeNotFound, 0, network.reach({0xC0FFEE02, 5}));
-    expectOutcome(ZResult::nodeNotFound, 0, network.reach({0xC0FFEE02, 1}));
+    expectOutcome(network.reach({home, 6}), ZResult::nodeNotFound, 0);
+    expectOutcome(network.reach({home, 0}), ZResult::nodeNotFound, 0);
+    expectOutcome(network.reach({home, 255}), ZResult::nodeNotFound, 0);
+    expectOutcome(network.reach({0xC0FFEE02, 5}), ZResult::nodeNotFound, 0);
+    expectOutcome(network.reach({0xC0FFEE02, 1}), ZResult::nodeNotFound, 0);
 }
 
 TEST(SimulatedNetwork, DeadNodeIsNotReachedAfterTheRetransmissions) {
     SimulatedNetwork network(describe({5, NodeState::dead, 40, 0, 0}));
-    expectOutcome(ZResult::nodeNotReached, 250, network.reach({home, 5}));
+    expectOutcome(network.reach({home, 5}), ZResult::nodeNotReached, 250);
 }
 
 TEST(SimulatedNetwork, SleepingNodeIsReportedAtOnce) {
     SimulatedNetwork network(describe({5, NodeState::sleeping, 40, 0, 0}));
-    expectOutcome(ZResult::nodeAsleep, 0, network.reach({home, 5}));
+    expectOutcome(network.reach({home, 5}), ZResult::nodeAsleep, 0);
 }
 
 TEST(SimulatedNetwork, LossOfOneLosesEveryFrame) {
     SimulatedNetwork network(describe({5, NodeState::awake, 40, 0, 1}));
-    for (auto const delay : delays(network, 5)) { EXPECT_EQ(-1, delay); }
-    expectOutcome(ZResult::nodeNotReached, 250, network.reach({home, 5}));
+    for (auto const delay : delays(network, 5)) { EXPECT_EQ(delay, -1); }
+    expectOutcome(network.reach({home, 5}), ZResult::nodeNotReached, 250);
 }
 
 TEST(SimulatedNetwork, LossOfAHalfLosesAboutHalf) {
@@ -104,7 +104,7 @@ TEST(SimulatedNetwork, SameSeedGivesTheSameOutcomesWhateverOtherNodesAreAsked) {
     SimulatedNetwork first(description);
     SimulatedNetwork second(description);
     delays(second, 6);
-    EXPECT_EQ(delays(first, 5), delays(second, 5));
+    EXPECT_EQ(delays(second, 5), delays(first, 5));
 }
 
 TEST(SimulatedNetwork, OtherSeedOrOtherNodeGivesOtherOutcomes) {
@@ -114,17 +114,17 @@ TEST(SimulatedNetwork, OtherSeedOrOtherNodeGivesOtherOutcomes) {
     description.seed = 2;
     SimulatedNetwork second(description);
     auto const outcomes = delays(first, 5);
-    EXPECT_NE(outcomes, delays(first, 6));
-    EXPECT_NE(outcomes, delays(second, 5));
+    EXPECT_NE(delays(first, 6), outcomes);
+    EXPECT_NE(delays(second, 5), outcomes);
 }
 
-TEST(SimulatedNetwork, BuiltInOneHasNodesOfEveryKind) {
+TEST(SimulatedNetwork, BuiltInNetworkHasNodesOfEveryKind) {
     SimulatedNetwork network(builtInNetwork());
-    EXPECT_EQ(ZResult::success, network.reach({home, 5}).result);
-    EXPECT_EQ(ZResult::success, network.reach({home, 6}).result);
-    EXPECT_EQ(ZResult::nodeAsleep, network.reach({home, 8}).result);
-    EXPECT_EQ(ZResult::nodeNotReached, network.reach({home, 9}).result);
-    EXPECT_EQ(ZResult::nodeNotFound, network.reach({home, 4}).result);
+    EXPECT_EQ(network.reach({home, 5}).result, ZResult::success);
+    EXPECT_EQ(network.reach({home, 6}).result, ZResult::success);
+    EXPECT_EQ(network.reach({home, 8}).result, ZResult::nodeAsleep);
+    EXPECT_EQ(network.reach({home, 9}).result, ZResult::nodeNotReached);
+    EXPECT_EQ(network.reach({home, 4}).result, ZResult::nodeNotFound);
 }
 
 } // namespace
