@@ -1,6 +1,6 @@
 #include "tests/scenario/OfflineClient.h"
-#include "tests/testPaths.h"
 #include "tests/support/golden.h"
+#include "tests/testPaths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,7 +85,7 @@ TEST_F(CatalogueCommands, DescribeAMessageAsJson) {
                             R"("name":"unsigned int"}}],"serialName":"zorv::ResetDefaultsMsg"})"));
 }
 
-TEST_F(CatalogueCommands, RefuseAMessageThatThereIsNot) {
+TEST_F(CatalogueCommands, RefuseAnUnknownMessage) {
     for (auto const* const command : {"catalogue", "example"}) {
         EXPECT_EQ(run({command, "NoSuchMsg"}), 2) << command;
         EXPECT_THAT(lines_, IsEmpty());
@@ -96,6 +96,7 @@ TEST_F(CatalogueCommands, RefuseAMessageThatThereIsNot) {
 TEST_F(CatalogueCommands, PrintAnExampleOfEveryMessageThatDecodeTakesBack) {
     ASSERT_EQ(run({"catalogue"}), 0);
     auto const list = lines_;
+    ASSERT_GT(list.size(), 1U);
     std::string examples;
     for (std::size_t i = 1; i < list.size(); ++i) {
         ASSERT_EQ(run({"example", list[i].substr(0, list[i].find(' '))}), 0) << list[i];
@@ -150,7 +151,7 @@ TEST_F(CatalogueCommands, ShowAnObservedMessageAsItIsWritten) {
                                     "message_     " + ping));
 }
 
-TEST_F(CatalogueCommands, TellOfALineThatIsNoMessageAndGoOnWithTheRest) {
+TEST_F(CatalogueCommands, ReportALineThatIsNotAMessageAndGoOn) {
     EXPECT_EQ(decode("rubbish\n\n" + zorv::golden("QuitMsg") + '\n' + zorv::golden("Blob") +
                      "\n{\"__name__\":\"zorv::LearnModeMsg\",\"timeout_\":-1}\n" + zorv::golden("QuitMsg")),
               5);
@@ -160,7 +161,7 @@ TEST_F(CatalogueCommands, TellOfALineThatIsNoMessageAndGoOnWithTheRest) {
     EXPECT_THAT(errors_, HasSubstr("quillet: line 5: timeout_: expected unsigned int, got -1\n"));
 }
 
-TEST_F(CatalogueCommands, DecodeNothingWithoutComplaint) {
+TEST_F(CatalogueCommands, DecodeEmptyInputWithoutAnError) {
     EXPECT_EQ(decode(""), 0);
     EXPECT_THAT(lines_, IsEmpty());
     EXPECT_EQ(errors_, "");

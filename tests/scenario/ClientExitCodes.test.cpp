@@ -142,7 +142,8 @@ TEST(ClientExitCodes, NoDaemonIsThree) {
     { port = DaemonProcess().port(); }
     Process client(clientCommand(port, {"ping", "5"}));
     EXPECT_EQ(client.wait(), 3);
-    EXPECT_EQ(client.errors(), "quillet: cannot connect to 127.0.0.1 port " + std::to_string(port) + ": " + systemText(ECONNREFUSED) + "\n");
+    EXPECT_EQ(client.errors(), "quillet: cannot connect to 127.0.0.1 port " + std::to_string(port) + ": " +
+                                   systemText(ECONNREFUSED) + "\n");
 }
 
 TEST(ClientExitCodes, LostConnectionIsThree) {
@@ -162,8 +163,8 @@ TEST(ClientExitCodes, RefusalWithinASeriesOutranksATimeout) {
     FakeDaemon const daemon([pings = 0](TcpConnection& connection, std::string const& line) mutable {
         if (++pings == 2) { connection.send(answerTo(line, ZResult::nodeNotReached)); }
     });
-    Process client(clientCommand(
-        daemon.port(), {"--timeout", "1", "--json", "ping", "5", "--count", "3", "--interval", "0"}));
+    Process client(
+        clientCommand(daemon.port(), {"--timeout", "1", "--json", "ping", "5", "--count", "3", "--interval", "0"}));
     EXPECT_EQ(client.wait(), 1);
     EXPECT_THAT(client.restOfOutput(),
                 ElementsAre(HasSubstr(R"("result_":"timeout")"), HasSubstr(R"("result_":"nodeNotReached")"),

@@ -18,7 +18,7 @@ TEST(ClientTable, ColumnsAreAsWideAsTheirLongestCellAndTwoBlanks) {
     EXPECT_EQ(os.str(), "a    bbbb  c\naaa  b     c\n");
 }
 
-TEST(ClientTable, WidthThatIsAskedForIsTheLeast) {
+TEST(ClientTable, RequestedWidthIsAMinimum) {
     std::ostringstream os;
     Table(os).add({{"a", "b", "c"}, {"aaaaa", "b", "c"}}, {3, 0, 4});
     EXPECT_EQ(os.str(), "a      b  c\naaaaa  b  c\n");
@@ -35,7 +35,7 @@ TEST(ClientTable, LaterRowsKeepTheColumnsOfTheFirst) {
     EXPECT_EQ(os.str(), "Title  x\n1      x\n");
 }
 
-TEST(ClientTable, LongerCellMovesTheColumnsFromItsRowOn) {
+TEST(ClientTable, LongerCellWidensItsColumnFromItsRowOn) {
     std::ostringstream os;
     Table table(os);
     table.add({{"1", "x"}}, {});
@@ -81,8 +81,8 @@ TEST(ClientTable, PingsShowTheirTitlesOnceAndTheirWidths) {
     ping->result(ZResult::nodeNotReached);
     table.add(*ping);
     EXPECT_EQ(os.str(), "Count   Time                      Address     Result             Latency\n"
-              "1       1970-01-01T00:00:00.000Z  c0ffee01:5  success            0\n"
-              "2       1970-01-01T00:00:00.000Z  c0ffee01:5  nodeNotReached     0\n");
+                        "1       1970-01-01T00:00:00.000Z  c0ffee01:5  success            0\n"
+                        "2       1970-01-01T00:00:00.000Z  c0ffee01:5  nodeNotReached     0\n");
 }
 
 TEST(ClientTable, SeriesOfPingsAppearsRowByRow) {

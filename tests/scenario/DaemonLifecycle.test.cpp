@@ -48,7 +48,8 @@ TEST(DaemonLifecycle, PortInUseIsAnError) {
     auto const port = std::to_string(first.port());
     Process second({zorv::programPath("zwaved"), "--port", port});
     EXPECT_EQ(second.wait(), 1);
-    EXPECT_EQ(second.errors(), "zwaved: cannot listen on 127.0.0.1:" + port + ": " + zorv::systemText(EADDRINUSE) + "\n");
+    EXPECT_EQ(second.errors(),
+              "zwaved: cannot listen on 127.0.0.1:" + port + ": " + zorv::systemText(EADDRINUSE) + "\n");
     EXPECT_TRUE(second.restOfOutput().empty());
 }
 
@@ -121,7 +122,8 @@ TEST_F(NetworkFile, FromTheDocumentIsRead) {
 TEST_F(NetworkFile, ThatDoesNotExistIsNamed) {
     Process daemon({zorv::programPath("zwaved"), "--network", directory_.path("none.json")});
     EXPECT_EQ(daemon.wait(), 1);
-    EXPECT_EQ(daemon.errors(), "zwaved: " + directory_.path("none.json") + ": cannot be read: " + zorv::systemText(ENOENT) + "\n");
+    EXPECT_EQ(daemon.errors(),
+              "zwaved: " + directory_.path("none.json") + ": cannot be read: " + zorv::systemText(ENOENT) + "\n");
 }
 
 TEST_F(NetworkFile, ThatIsNotJsonIsRefusedInOneLineThatNamesTheFileAndThePlace) {

@@ -41,7 +41,7 @@ TEST_F(NvmCheck, ShowsWhatAGoodBackupHolds) {
     EXPECT_EQ(errors_, "");
 }
 
-TEST_F(NvmCheck, TakesTheExampleForGood) { EXPECT_EQ(check(zorv::sourcePath("examples/nvm-backup.json")), 0); }
+TEST_F(NvmCheck, AcceptsTheExample) { EXPECT_EQ(check(zorv::sourcePath("examples/nvm-backup.json")), 0); }
 
 TEST_F(NvmCheck, FindsAFlippedCharacter) {
     EXPECT_EQ(check(directory_.write("backup.json", "[" + routes + "," + flipped + "]")), 1);
@@ -67,13 +67,13 @@ TEST_F(NvmCheck, FindsContentsThatCannotBeRestoredUnderAChecksumThatHolds) {
                                     "Total               14"));
 }
 
-TEST_F(NvmCheck, TakesAnEmptyBlobForGood) {
+TEST_F(NvmCheck, AcceptsAnEmptyBlob) {
     EXPECT_EQ(
         check(directory_.write("backup.json", R"({"name_":"empty","offset_":0,"size_":0,"crc_":0,"contents_":""})")),
         0);
 }
 
-TEST_F(NvmCheck, SaysWhyAFileIsNoBackup) {
+TEST_F(NvmCheck, SaysWhyAFileIsNotABackup) {
     EXPECT_EQ(check(directory_.path("none.json")), 1);
     EXPECT_THAT(lines_, ElementsAre("Result:   fileNotFound", "Home id:  00000000", "Total                   0"));
     EXPECT_THAT(errors_, HasSubstr("input file does not exist " + directory_.path("none.json")));
@@ -85,7 +85,7 @@ TEST_F(NvmCheck, SaysWhyAFileIsNoBackup) {
     EXPECT_THAT(lines_, ElementsAre("Result:   fileReadFailure", "Home id:  00000000", "Total                      0"));
 }
 
-TEST_F(NvmCheck, IsOneJsonObjectWhereAsked) {
+TEST_F(NvmCheck, PrintsOneObjectWithJson) {
     auto const path = directory_.write("backup.json", R"([{"homeId_":5},)" + routes + "," + flipped + "]");
     EXPECT_EQ(check(path, {"--json"}), 1);
     EXPECT_THAT(lines_,

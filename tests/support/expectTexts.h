@@ -11,6 +11,7 @@ namespace zorv {
 
 /// Expects these texts of an enumeration's values from 0 on, from every operation that writes or reads them.
 template <class Enum> void expectTexts(std::vector<std::string> const& texts) {
+    ASSERT_FALSE(texts.empty());
     for (std::size_t i = 0; i < texts.size(); ++i) {
         auto const value = static_cast<Enum>(i);
         std::ostringstream os;

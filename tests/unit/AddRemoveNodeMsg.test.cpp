@@ -45,14 +45,14 @@ TEST(AddRemoveNodeMsg, ReadsEveryMemberOfItsGoldenText) {
     EXPECT_EQ(message->result(), ZResult::success);
 }
 
-TEST(AddRemoveNodeMsg, ARequestWritesThePrimaryFlagThatIsGivenLastAndNoDevice) {
+TEST(AddRemoveNodeMsg, RequestWritesItsPrimaryFlagAndANullDevice) {
     auto const request = AddRemoveNodeMsg::create(AddRemoveOp::add, false, ZResult::inProgress, 60, true);
     EXPECT_EQ(request->result(), ZResult::inProgress);
     EXPECT_EQ(ownMembers<Confirmable>(*request),
               R"(,"operation_":"add","abort_":false,"primary_":true,"timeout_":60,"device_":null})");
 }
 
-TEST(AddRemoveNodeMsg, ItsResponseRepeatsOperationAndAbortButNeitherThePrimaryFlagNorTheTimeout) {
+TEST(AddRemoveNodeMsg, ResponseRepeatsOperationAndAbortButNotThePrimaryFlagOrTheTimeout) {
     auto const request = AddRemoveNodeMsg::create(AddRemoveOp::add, false, ZResult::none, 60, true);
     auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 90, device);
     EXPECT_EQ(response->result(), ZResult::success);
@@ -61,7 +61,7 @@ TEST(AddRemoveNodeMsg, ItsResponseRepeatsOperationAndAbortButNeitherThePrimaryFl
                   "}");
 }
 
-TEST(AddRemoveNodeMsg, TheResponseToAnAbortIsOneToo) {
+TEST(AddRemoveNodeMsg, ResponseToAnAbortIsAnAbort) {
     auto const request = AddRemoveNodeMsg::create(AddRemoveOp::remove, true, ZResult::none, 60, false);
     auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 0, nullptr);
     EXPECT_TRUE(response->abort());
@@ -69,14 +69,14 @@ TEST(AddRemoveNodeMsg, TheResponseToAnAbortIsOneToo) {
     EXPECT_FALSE(response->device());
 }
 
-TEST(AddRemoveNodeMsg, ItsResponseAnswersTheRequest) {
+TEST(AddRemoveNodeMsg, ResponseIsLinkedToItsRequest) {
     auto const request = AddRemoveNodeMsg::create(AddRemoveOp::add, false, ZResult::none, 60, true);
     auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 90, device);
     EXPECT_EQ(response->correlation(), request->id());
     EXPECT_NE(response->id(), request->id());
 }
 
-TEST(AddRemoveNodeMsg, NothingAnswersAnEmptyRequest) {
+TEST(AddRemoveNodeMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { AddRemoveNodeMsg::create(nullptr, ZResult::success, 90, device); }),
               "NullPointerError: msg is null");
 }
@@ -98,24 +98,24 @@ TEST(AddRemoveNodeMsg, AddsTheRowsOfItsDevice) {
     EXPECT_EQ(rows.at(0), (std::vector<std::string>{"Address:", "c0ffee01:5"}));
 }
 
-TEST(AddRemoveNodeMsg, ReadsTheOperationInvalid) {
+TEST(AddRemoveNodeMsg, ReadsTheOperationInvalidAsZero) {
     auto const message = readBack<AddRemoveNodeMsg>(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"invalid"})");
     EXPECT_EQ(static_cast<int>(message->operation()), 0);
 }
 
-TEST(AddRemoveNodeMsg, DoesNotReadAnOperationInOtherLetterCase) {
+TEST(AddRemoveNodeMsg, RefusesAnOperationInOtherLetterCase) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"Add"})"),
               "InvalidEnumError: invalid AddRemoveOp text \"Add\"");
 }
 
-TEST(AddRemoveNodeMsg, ReproducesEveryMemberWithAnEmptyDeviceToo) {
+TEST(AddRemoveNodeMsg, KeepsEveryMemberOnTheWireWithoutADevice) {
     AddRemoveNodeMsg const message(AddRemoveOp::remove, true, true, ZResult::timeout, 2147483647, nullptr);
     auto const rebuilt = readBack<AddRemoveNodeMsg>(wireText(message));
     EXPECT_FALSE(rebuilt->device());
     EXPECT_EQ(wireText(*rebuilt), wireText(message));
 }
 
-TEST(AddRemoveNodeMsg, IsLeftWithoutADeviceByAnObjectOfAnotherClass) {
+TEST(AddRemoveNodeMsg, HasNoDeviceWhenTheTextHoldsAnObjectOfAnotherClass) {
     auto const message = readBack<AddRemoveNodeMsg>(
         R"({"__name__":"zorv::AddRemoveNodeMsg","device_":{"__name__":"zorv::RawCommand","data_":[]}})");
     EXPECT_FALSE(message->device());
@@ -123,7 +123,7 @@ TEST(AddRemoveNodeMsg, IsLeftWithoutADeviceByAnObjectOfAnotherClass) {
 
 TEST(AddRemoveOp, HasItsThreeTexts) { expectTexts<AddRemoveOp::Enum>({"invalid", "add", "remove"}); }
 
-TEST(AddRemoveOp, ParsesAddToOneButNeitherCapitalsNorAnEmptyText) {
+TEST(AddRemoveOp, ParsesAddAsOneAndRefusesCapitalsAndAnEmptyText) {
     EXPECT_EQ(static_cast<int>(AddRemoveOp::toEnum("add")), 1);
     EXPECT_EQ(errorOf([] { AddRemoveOp::toEnum("ADD"); }), "InvalidEnumError: invalid AddRemoveOp text \"ADD\"");
     EXPECT_EQ(errorOf([] { AddRemoveOp::toEnum(""); }), "InvalidEnumError: invalid AddRemoveOp text \"\"");
@@ -131,19 +131,19 @@ TEST(AddRemoveOp, ParsesAddToOneButNeitherCapitalsNorAnEmptyText) {
 
 TEST(AddRemoveOp, ParsesOnlyTheFirstOfTwoWords) { EXPECT_EQ(AddRemoveOp::toEnum("add remove"), AddRemoveOp::add); }
 
-TEST(AddRemoveOp, HasNoTextForSeven) {
+TEST(AddRemoveOp, RefusesToWriteTheNumberSeven) {
     EXPECT_EQ(errorOf([] { AddRemoveOp::toString(static_cast<AddRemoveOp::Enum>(7)); }),
               "InvalidEnumError: invalid AddRemoveOp value 7");
 }
 
-TEST(AddRemoveOp, WritesNothingForANumberThatItDoesNotHave) {
+TEST(AddRemoveOp, WritesNothingBeforeItRefusesANumber) {
     std::ostringstream os;
     os << "before ";
     EXPECT_THROW(os << static_cast<AddRemoveOp::Enum>(3), InvalidEnumError);
     EXPECT_EQ(os.str(), "before ");
 }
 
-TEST(AddRemoveOp, IsTwoHexDigits) { EXPECT_EQ(AddRemoveOp::toHex(AddRemoveOp::remove), "02"); }
+TEST(AddRemoveOp, HasAHexFormOfTwoDigits) { EXPECT_EQ(AddRemoveOp::toHex(AddRemoveOp::remove), "02"); }
 
 } // namespace
 } // namespace zorv

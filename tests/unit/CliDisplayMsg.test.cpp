@@ -21,7 +21,7 @@ TEST(CliDisplayMsg, WritesAnEmptyTableAsAnEmptyArrayAndReadsItBack) {
     EXPECT_TRUE(readBack<CliDisplayMsg>(wireText(CliDisplayMsg()))->data().empty());
 }
 
-TEST(CliDisplayMsg, KeepsTheLengthsOfRows) {
+TEST(CliDisplayMsg, KeepsTheLengthOfEveryRow) {
     CliDisplayMsg const message(table);
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"data_":[["Node","Room"],["5"],[],["","","x"]]})");
     EXPECT_EQ(readBack<CliDisplayMsg>(wireText(message))->data(), table);
@@ -32,13 +32,13 @@ TEST(CliDisplayMsg, ReadsTheCellsOfItsGoldenText) {
     EXPECT_EQ(message->data(), (StringVecVec{{"Node", "Room"}, {"5", "K\u00fcche", "\"quoted\"\n"}, {}}));
 }
 
-TEST(CliDisplayMsg, ARequestCarriesTheTable) {
+TEST(CliDisplayMsg, RequestCarriesTheTable) {
     auto const request = CliDisplayMsg::create(table);
     EXPECT_EQ(request->data(), table);
     EXPECT_EQ(request->result(), ZResult::none);
 }
 
-TEST(CliDisplayMsg, ItsResponseCarriesATableOfItsOwn) {
+TEST(CliDisplayMsg, ResponseCarriesItsOwnTable) {
     auto const request = CliDisplayMsg::create(table);
     request->role(MessageRole::request);
     auto const response = CliDisplayMsg::create(request, ZResult::success, {{"answer"}});
@@ -49,27 +49,27 @@ TEST(CliDisplayMsg, ItsResponseCarriesATableOfItsOwn) {
     EXPECT_EQ(request->data(), table);
 }
 
-TEST(CliDisplayMsg, NothingAnswersAnEmptyRequest) {
+TEST(CliDisplayMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { CliDisplayMsg::create(nullptr, ZResult::success, table); }),
               "NullPointerError: msg is null");
 }
 
-TEST(CliDisplayMsg, RefusesATableThatIsNoArray) {
+TEST(CliDisplayMsg, RefusesATableThatIsNotAnArray) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CliDisplayMsg","data_":"row"})"),
               "SyntaxError: expected array, got string");
 }
 
-TEST(CliDisplayMsg, RefusesARowThatIsNoArray) {
+TEST(CliDisplayMsg, RefusesARowThatIsNotAnArray) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CliDisplayMsg","data_":[["5"],null]})"),
               "SyntaxError: expected array, got null");
 }
 
-TEST(CliDisplayMsg, RefusesACellThatIsNoString) {
+TEST(CliDisplayMsg, RefusesACellThatIsNotAString) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CliDisplayMsg","data_":[["5"],["x",5]]})"),
               "SerializerError: data_[1][1]: expected string, got int");
 }
 
-TEST(CliDisplayMsg, AppendsItsRowsAfterThoseThatAreThereAndNeverWarnsAboutAColumn) {
+TEST(CliDisplayMsg, AppendsItsRowsToATableWithoutAColumnWarning) {
     LogCapture const log;
     StringVecVec rows{{"before", "it"}};
     CliDisplayMsg(table).accumulateDisplay(rows);

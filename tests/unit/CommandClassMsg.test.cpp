@@ -36,7 +36,7 @@ TEST(FrameCast, HasItsThreeTexts) {
     EXPECT_EQ(static_cast<int>(FrameCast::toEnum("multicast")), 8);
 }
 
-TEST(FrameCast, RefusesNumbersAndWordsThatItDoesNotHave) {
+TEST(FrameCast, RefusesUnknownNumbersAndTexts) {
     EXPECT_EQ(errorOf([] { FrameCast::toString(static_cast<FrameCast::Enum>(12)); }),
               "InvalidEnumError: invalid FrameCast value 12");
     EXPECT_EQ(errorOf([] { FrameCast::toString(static_cast<FrameCast::Enum>(1)); }),
@@ -45,7 +45,7 @@ TEST(FrameCast, RefusesNumbersAndWordsThatItDoesNotHave) {
               "InvalidEnumError: invalid FrameCast text \"Broadcast\"");
 }
 
-TEST(FrameCast, PassesThroughStreams) {
+TEST(FrameCast, IsWrittenToAndReadFromStreams) {
     std::stringstream stream;
     stream << static_cast<FrameCast::Enum>(8);
     EXPECT_EQ(stream.str(), "multicast");
@@ -65,25 +65,25 @@ TEST(ReceivedStatus, EndsItsTextWithTheFrameCast) {
     EXPECT_EQ(ReceivedStatus::toString(status(0x57)), "routedBusy|lowPower|explore|foreignFrame|broadcast");
 }
 
-TEST(ReceivedStatus, FailsToWriteABitThatItDoesNotKnowUnderItsOwnName) {
+TEST(ReceivedStatus, NamesItselfInTheErrorOfWritingAnUnknownBit) {
     EXPECT_EQ(errorOf([] { toString(status(0x20)); }), "InvalidEnumError: invalid ReceivedStatus value 32");
     EXPECT_EQ(errorOf([] { toString(status(0x80)); }), "InvalidEnumError: invalid ReceivedStatus value 128");
     EXPECT_EQ(errorOf([] { toString(status(0x100)); }), "InvalidEnumError: invalid ReceivedStatus value 256");
 }
 
-TEST(ReceivedStatus, LeavesInTheStreamWhatItWroteBeforeAnUnknownBit) {
+TEST(ReceivedStatus, WritesTheKnownFlagsBeforeItRefusesAnUnknownBit) {
     std::ostringstream os;
     EXPECT_THROW(os << status(0x31), InvalidEnumError);
     EXPECT_EQ(os.str(), "routedBusy|explore");
 }
 
-TEST(ReceivedStatus, LeavesNothingInTheStreamWhereOnlyTheBitIsUnknown) {
+TEST(ReceivedStatus, WritesNothingBeforeItRefusesALoneUnknownBit) {
     std::ostringstream os;
     EXPECT_THROW(os << status(0x24), InvalidEnumError);
     EXPECT_EQ(os.str(), "");
 }
 
-TEST(ReceivedStatus, LeavesTheFlagsInTheStreamWhereTheFrameCastIsUnknown) {
+TEST(ReceivedStatus, WritesTheFlagsBeforeItRefusesAnUnknownFrameCast) {
     std::ostringstream os;
     EXPECT_EQ(errorOf([&] { os << status(0x4C); }), "InvalidEnumError: invalid FrameCast value 12");
     EXPECT_EQ(os.str(), "foreignFrame|");
@@ -105,26 +105,26 @@ TEST(ReceivedStatus, ReadsATextWithoutAFrameCastAsSinglecast) {
     EXPECT_EQ(read("none"), 0x00);
 }
 
-TEST(ReceivedStatus, LetsTheLastOfTheFrameCastsHold) {
+TEST(ReceivedStatus, KeepsTheLastOfSeveralFrameCasts) {
     EXPECT_EQ(read("broadcast|multicast"), 0x08);
     EXPECT_EQ(read("singlecast|broadcast"), 0x04);
 }
 
 TEST(ReceivedStatus, ReadsNoneBeforeFlags) { EXPECT_EQ(read("none|lowPower|multicast"), 0x0A); }
 
-TEST(ReceivedStatus, RefusesWhatIsOutOfOrderUnderTheNameOfReading) {
+TEST(ReceivedStatus, RefusesTextsOutOfOrderAsReceiveStatus) {
     EXPECT_EQ(readError("multicast|broadcast"), "InvalidEnumError: invalid ReceiveStatus text \"multicast|broadcast\"");
     EXPECT_EQ(readError("lowPower|routedBusy"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|routedBusy\"");
     EXPECT_EQ(readError("lowPower|none"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|none\"");
 }
 
-TEST(ReceivedStatus, RefusesWhatItDoesNotKnow) {
+TEST(ReceivedStatus, RefusesRepeatedUnknownAndEmptyPieces) {
     EXPECT_EQ(readError("lowPower|lowPower"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|lowPower\"");
     EXPECT_EQ(readError("LowPower"), "InvalidEnumError: invalid ReceiveStatus text \"LowPower\"");
     EXPECT_EQ(readError("lowPower|"), "InvalidEnumError: invalid ReceiveStatus text \"lowPower|\"");
 }
 
-TEST(ReceivedStatus, LeavesItsTargetUnchangedWhereItCannotRead) {
+TEST(ReceivedStatus, LeavesTheTargetUnchangedWhenReadingFails) {
     std::istringstream is("multicast|broadcast");
     auto value = status(0x41);
     EXPECT_THROW(is >> value, InvalidEnumError);
@@ -138,7 +138,7 @@ TEST(ReceivedStatus, ReadsOneWordOfAStream) {
     EXPECT_EQ(static_cast<int>(value), 0x14);
 }
 
-TEST(ReceivedStatus, IsTwoHexDigits) { EXPECT_EQ(ReceivedStatus::toHex(status(0x4B)), "4b"); }
+TEST(ReceivedStatus, HasAHexFormOfTwoDigits) { EXPECT_EQ(ReceivedStatus::toHex(status(0x4B)), "4b"); }
 
 TEST(CommandClassMsg, HasTheDefaultsOfItsMembers) {
     EXPECT_EQ(ownMembers<TMessage>(CommandClassMsg()),
@@ -155,7 +155,7 @@ TEST(CommandClassMsg, TakesItsMembersAndItsRole) {
     EXPECT_EQ(message.role(), MessageRole::report);
 }
 
-TEST(CommandClassMsg, IsMadeInTheNetworkOfTheDaemonsController) {
+TEST(CommandClassMsg, TakesTheHomeIdOfTheDaemonsController) {
     auto const before = Zwaved::instance().controller();
     Zwaved::instance().controller(Controller(0xC0FFEE01, 1));
     auto const message = CommandClassMsg::create(9, status(1), nullptr, MessageRole::report);
@@ -180,7 +180,7 @@ TEST(CommandClassMsg, WritesStatusZeroAsNoneAndSinglecastAndReadsItBack) {
     EXPECT_EQ(static_cast<int>(readBack<CommandClassMsg>(text)->rxStatus()), 0);
 }
 
-TEST(CommandClassMsg, FailsToWriteAStatusWithAnUnknownBit) {
+TEST(CommandClassMsg, RefusesToWriteAStatusWithAnUnknownBit) {
     auto const invalid = message({0x20}, 0x20);
     EXPECT_EQ(errorOf([&] { wireText(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
     EXPECT_EQ(errorOf([&] { shown(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
@@ -188,12 +188,12 @@ TEST(CommandClassMsg, FailsToWriteAStatusWithAnUnknownBit) {
     EXPECT_EQ(errorOf([&] { invalid.print(os); }), "InvalidEnumError: invalid ReceivedStatus value 32");
 }
 
-TEST(CommandClassMsg, FailsToReadAStatusUnderTheNameOfReading) {
+TEST(CommandClassMsg, NamesReceiveStatusInTheErrorOfReading) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CommandClassMsg","rxStatus_":"lowPower|routedBusy"})"),
               "InvalidEnumError: invalid ReceiveStatus text \"lowPower|routedBusy\"");
 }
 
-TEST(CommandClassMsg, IsLeftWithoutACommandByAnObjectOfAnotherClass) {
+TEST(CommandClassMsg, HasNoCommandWhenTheTextHoldsAnObjectOfAnotherClass) {
     auto const message =
         readBack<CommandClassMsg>(R"({"__name__":"zorv::CommandClassMsg","command_":{"__name__":"zorv::Device"}})");
     EXPECT_FALSE(message->command());

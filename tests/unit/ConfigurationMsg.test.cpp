@@ -50,13 +50,13 @@ TEST(ConfigurationMsg, MadeByTheConstructorKeepsTheDefaultRole) {
     EXPECT_EQ(message.result(), 2);
 }
 
-TEST(ConfigurationMsg, WritesNoDeviceAsNullAndReadsItBack) {
+TEST(ConfigurationMsg, WritesAnEmptyDeviceAsNullAndReadsItBack) {
     ConfigurationMsg const message;
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"operation_":"unknown","device_":null})");
     EXPECT_FALSE(readBack<ConfigurationMsg>(wireText(message))->device());
 }
 
-TEST(ConfigurationMsg, ReadsADeviceThatIsNoneAsEmpty) {
+TEST(ConfigurationMsg, HasNoDeviceWhenTheTextHoldsAnObjectOfAnotherClass) {
     auto const message = readBack<ConfigurationMsg>(
         R"({"__name__":"zorv::ConfigurationMsg","device_":{"__name__":"zorv::Confirmable"}})");
     EXPECT_FALSE(message->device());

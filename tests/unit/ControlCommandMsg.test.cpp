@@ -32,13 +32,13 @@ TEST(ControlCommandMsg, RefusesAnEmptyFrame) {
 
 TEST(ControlCommandMsg, IsEmptyByDefault) { EXPECT_EQ(ownMembers<TMessage>(ControlCommandMsg()), R"(,"data_":[]})"); }
 
-TEST(ControlCommandMsg, ReadsAFrameOfOneByteButDoesNotShowIt) {
+TEST(ControlCommandMsg, ReadsAFrameOfOneByteButRefusesToShowIt) {
     auto const message = readBack<ControlCommandMsg>(R"({"__name__":"zorv::ControlCommandMsg","data_":[1]})");
     EXPECT_EQ(message->data(), Bytes{1});
     EXPECT_THROW(shown(*message), std::out_of_range);
 }
 
-TEST(ControlCommandMsg, DoesNotShowAnEmptyFrame) { EXPECT_THROW(shown(ControlCommandMsg()), std::out_of_range); }
+TEST(ControlCommandMsg, RefusesToShowAnEmptyFrame) { EXPECT_THROW(shown(ControlCommandMsg()), std::out_of_range); }
 
 TEST(ControlCommandMsg, ShowsOperationCommandAndBytes) {
     ControlCommandMsg const message(Bytes{0x01, 0x13, 0xFE}, MessageRole::response);
@@ -48,7 +48,7 @@ TEST(ControlCommandMsg, ShowsOperationCommandAndBytes) {
                                             {"Data:", "00: 01 13 fe"}}));
 }
 
-TEST(ControlCommandMsg, ShowsSixteenBytesInTwoRowsAndNoEmptyOne) {
+TEST(ControlCommandMsg, ShowsSixteenBytesInTwoRows) {
     ControlCommandMsg const message(Bytes{0, 0x15, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 255},
                                     MessageRole::request);
     auto const rows = shown(message);
@@ -57,7 +57,7 @@ TEST(ControlCommandMsg, ShowsSixteenBytesInTwoRowsAndNoEmptyOne) {
     EXPECT_EQ(rows[4], (std::vector<std::string>{"", "08: 08 09 0a 0b 0c 0d 0e ff"}));
 }
 
-TEST(ControlCommandMsg, DoesNotShowAnOperationThatThereIsNot) {
+TEST(ControlCommandMsg, RefusesToShowAnUnknownOperation) {
     ControlCommandMsg const message(Bytes{2, 0x15}, MessageRole::request);
     EXPECT_EQ(errorOf([&] { shown(message); }), "InvalidEnumError: invalid ControlCommandOp value 2");
 }
@@ -80,7 +80,7 @@ TEST(ControlCommandMsg, ShrinksALongerFrameToTheArrayThatIsRead) {
     EXPECT_EQ(message.data(), Bytes{9});
 }
 
-TEST(ControlCommandMsg, RefusesBytesThatAreNone) {
+TEST(ControlCommandMsg, RefusesDataThatIsNotAnArrayOfBytes) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControlCommandMsg","data_":{"a":1}})"),
               "SyntaxError: expected array, got object");
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControlCommandMsg","data_":[1,256]})"),

@@ -51,10 +51,11 @@ TEST(DaemonStatusMsg, RefusesDetailsOutOfBitOrder) {
               R"(InvalidEnumError: invalid DaemonDetail text "timeout|lostSocket")");
 }
 
-TEST(DaemonStatusMsg, SkipsNoDetailBeforeAnotherOne) { EXPECT_EQ(DaemonDetail::toEnum("noDetail|timeout"), 32); }
+TEST(DaemonStatusMsg, SkipsTheWordNoDetailBeforeADetail) { EXPECT_EQ(DaemonDetail::toEnum("noDetail|timeout"), 32); }
 
-TEST(DaemonStatusMsg, RefusesNoDetailBehindAnotherOne) {
-    EXPECT_EQ(errorOf([] { DaemonDetail::toEnum("timeout|noDetail"); }), R"(InvalidEnumError: invalid DaemonDetail text "timeout|noDetail")");
+TEST(DaemonStatusMsg, RefusesTheWordNoDetailAfterADetail) {
+    EXPECT_EQ(errorOf([] { DaemonDetail::toEnum("timeout|noDetail"); }),
+              R"(InvalidEnumError: invalid DaemonDetail text "timeout|noDetail")");
 }
 
 TEST(DaemonStatusMsg, RefusesAnEmptyPieceOfADetail) {
@@ -64,7 +65,7 @@ TEST(DaemonStatusMsg, RefusesAnEmptyPieceOfADetail) {
     }
 }
 
-TEST(DaemonStatusMsg, ReadsAnEmptyDetailAsNone) { EXPECT_EQ(DaemonDetail::toEnum(""), 0); }
+TEST(DaemonStatusMsg, ReadsAnEmptyDetailAsZero) { EXPECT_EQ(DaemonDetail::toEnum(""), 0); }
 
 TEST(DaemonStatusMsg, HasFourStatuses) {
     expectTexts<DaemonStatus::Enum>({"notReady", "moduleError", "notSecure", "secure"});
@@ -122,7 +123,7 @@ TEST(DaemonStatusMsg, RepeatingAnswerKeepsEveryFieldOfTheRequest) {
     EXPECT_EQ(answer->correlation(), request->id());
 }
 
-TEST(DaemonStatusMsg, RefusesToAnswerNoRequest) {
+TEST(DaemonStatusMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { DaemonStatusMsg(noRequest, controller, DaemonStatus::secure, DaemonDetail::noDetail); }),
               "NullPointerError: msg is null");
     EXPECT_EQ(

@@ -70,7 +70,7 @@ TEST(Device, IsEmptyByDefault) {
         R"("securityStatus_":"unknown","wakeStatus_":"unknown","commandClasses_":[],"configErrors_":0})");
 }
 
-TEST(Device, KeepsTheDefaultsOfAllThatIsAbsent) { EXPECT_EQ(wireText(*readBlank<Device>()), wireText(Device())); }
+TEST(Device, KeepsTheDefaultOfEveryAbsentMember) { EXPECT_EQ(wireText(*readBlank<Device>()), wireText(Device())); }
 
 TEST(Device, WritesItsCommandClassesInTheOrderOfTheirNumbers) {
     Device device;
@@ -80,7 +80,7 @@ TEST(Device, WritesItsCommandClassesInTheOrderOfTheirNumbers) {
                                                          R"(["version",{"attribs_":"supported","classVersion_":3}]])");
 }
 
-TEST(Device, ReplacesWhatIsKnownOfACommandClass) {
+TEST(Device, ReplacesACommandClassThatIsSetAgain) {
     Device device;
     device.commandClass(CommandClassType::version, {1, CommandClassAttribs::supported});
     device.commandClass(CommandClassType::version, {3, CommandClassAttribs::secure});
@@ -95,12 +95,12 @@ TEST(Device, KeepsTheFirstOfTwoEqualCommandClassesThatItReads) {
     EXPECT_EQ(device->commandClasses().at(CommandClassType::basic).classVersion(), 1);
 }
 
-TEST(Device, RefusesCommandClassesThatAreNoArray) {
+TEST(Device, RefusesCommandClassesThatAreNotAnArray) {
     EXPECT_EQ(readError(R"("commandClasses_":[[)", R"("commandClasses_":{},"x":[[)"),
               "SerializerError: commandClasses_: expected array, got object");
 }
 
-TEST(Device, RefusesACommandClassThatIsNoPair) {
+TEST(Device, RefusesACommandClassThatIsNotAPair) {
     EXPECT_EQ(readError(R"(["basic",)", R"("basic",[)"),
               "SerializerError: commandClasses_[0]: expected array, got string");
 }
@@ -115,21 +115,21 @@ TEST(Device, RefusesAnUnknownCommandClass) {
               "InvalidEnumError: invalid CommandClassType text \"doorlock\"");
 }
 
-TEST(Device, GivesItsOwnersWhereAMemberThatWasReadHoldsIt) {
+TEST(Device, CanShareItselfAfterItWasReadIntoAPointer) {
     Serializer s(golden("Device"));
     boost::shared_ptr<Device> device;
     s >> device;
     EXPECT_EQ(device->shared_from_this(), device);
 }
 
-TEST(Device, AlwaysReceivesWhereTheCapabilityByteSaysSo) {
+TEST(Device, IsListeningWithTheListeningBit) {
     auto const device = deviceWith(0x80, 0);
     EXPECT_TRUE(device.isListening());
     EXPECT_FALSE(device.isFrequentlyListening());
     EXPECT_FALSE(device.isSleeping());
 }
 
-TEST(Device, ListensFrequentlyWhereTheSecurityByteHasOneOfTheSensorBits) {
+TEST(Device, IsFrequentlyListeningWithEitherSensorBit) {
     for (int const security : {0x20, 0x40}) {
         auto const device = deviceWith(0, security);
         EXPECT_FALSE(device.isListening());
@@ -138,21 +138,21 @@ TEST(Device, ListensFrequentlyWhereTheSecurityByteHasOneOfTheSensorBits) {
     }
 }
 
-TEST(Device, SleepsWhereItDoesNeither) {
+TEST(Device, IsSleepingWithoutTheListeningAndTheSensorBits) {
     auto const device = deviceWith(0x7F, 0x9F);
     EXPECT_FALSE(device.isListening());
     EXPECT_FALSE(device.isFrequentlyListening());
     EXPECT_TRUE(device.isSleeping());
 }
 
-TEST(DeviceInfo, IsARepeaterOnlyWhereItRoutesAndAlwaysReceives) {
+TEST(DeviceInfo, IsARepeaterOnlyWithTheRoutingAndTheListeningBit) {
     EXPECT_TRUE(deviceWith(0xC0, 0).deviceInfo().isRepeater());
     EXPECT_FALSE(deviceWith(0x80, 0).deviceInfo().isRepeater());
     EXPECT_FALSE(deviceWith(0x40, 0x20).deviceInfo().isRepeater());
     EXPECT_FALSE(deviceWith(0x00, 0).deviceInfo().isRepeater());
 }
 
-TEST(Device, ShowsAllThatIsKnownOfIt) {
+TEST(Device, ShowsEveryMember) {
     EXPECT_EQ(shown(*readBack<Device>(golden("Device"))), (StringVecVec{{"Address:", "c0ffee01:5"},
                                                                         {"Manufacturer id:", "0x0123"},
                                                                         {"Product type:", "1234"},
@@ -174,7 +174,7 @@ TEST(Device, ShowsAllThatIsKnownOfIt) {
                                                                         {"Configuration errors:", "3"}}));
 }
 
-TEST(Manufacturer, IsSearchedForByItsThreeNumbersInHex) {
+TEST(Manufacturer, HasASearchTypeOfItsThreeNumbersInHex) {
     EXPECT_EQ(Manufacturer(ManufacturerId::zorv, 1, 0x0102).searchType(), "023f:0001:0102");
     EXPECT_EQ(Manufacturer().searchType(), "0000:0000:0000");
 }
@@ -186,7 +186,7 @@ TEST(Manufacturer, ShowsItsPrefixBeforeEachLabel) {
                             {"Daemon Product id:", "abcd"}}));
 }
 
-TEST(Manufacturer, ReadsNoNumberThatHasMoreThanSixteenBits) {
+TEST(Manufacturer, RefusesANumberOfMoreThanSixteenBits) {
     EXPECT_EQ(readError(R"("productId_":258)", R"("productId_":65536)"),
               "SerializerError: deviceInfo_.manufacturer_.productId_: expected unsigned short, got 65536");
 }

@@ -78,7 +78,7 @@ TEST(DeviceStatusMsg, FilledAnswerAlwaysCarriesResult1) {
     EXPECT_EQ(answer->correlation(), request->id());
 }
 
-TEST(DeviceStatusMsg, RefusesToAnswerNoRequest) {
+TEST(DeviceStatusMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { DeviceStatusMsg::create(noRequest, ZResult::success); }), "NullPointerError: msg is null");
     EXPECT_EQ(errorOf([] {
                   DeviceStatusMsg::create(noRequest, node5, DeviceNetworkStatus::online, DeviceStatus::ready,

@@ -29,14 +29,14 @@ void expectMembers(FirmwareUpdateMsg const& message, ZResult::Enum result, std::
 
 TEST(FirmwareUpdateStatus, HasItsTexts) { expectTexts<Status::Enum>({"idle", "restart", "running", "complete"}); }
 
-TEST(FirmwareUpdateStatus, HasNoTextInvalid) {
+TEST(FirmwareUpdateStatus, RefusesTheTextInvalid) {
     EXPECT_EQ(errorOf([] { Status::toEnum("invalid"); }),
               "InvalidEnumError: invalid FirmwareUpdateStatus text \"invalid\"");
 }
 
 TEST(FirmwareUpdateMsg, HasATimeoutOf180) { EXPECT_EQ(FirmwareUpdateMsg::DEFAULT_TIMEOUT, 180U); }
 
-TEST(FirmwareUpdateMsg, IsIdleAndWithoutResultUnlessToldOtherwise) {
+TEST(FirmwareUpdateMsg, IsIdleWithoutAResultByDefault) {
     expectMembers(FirmwareUpdateMsg(), ZResult::none, "", Status::idle, 0, 180);
 }
 
@@ -82,7 +82,7 @@ TEST(FirmwareUpdateMsg, ResponseTakesItsLastArgumentAsTimeoutAndTheCountryCodeFr
     EXPECT_EQ(response->role(), MessageRole::none);
 }
 
-TEST(FirmwareUpdateMsg, ResponseToNoRequestIsAnError) {
+TEST(FirmwareUpdateMsg, RefusesToRespondToANullRequest) {
     boost::shared_ptr<FirmwareUpdateMsg> const none;
     EXPECT_EQ(errorOf([&] { FirmwareUpdateMsg::create(none, ZResult::success, Status::complete, 50); }),
               "NullPointerError: msg is null");
@@ -94,12 +94,12 @@ TEST(FirmwareUpdateMsg, WritesItsMembersInOrder) {
               R"(,"countryCode_":"xx","status_":"restart","percentComplete_":7,"timeout_":90})");
 }
 
-TEST(FirmwareUpdateMsg, WithAStatusAboveCompleteCannotBeWritten) {
+TEST(FirmwareUpdateMsg, RefusesToWriteAStatusAboveComplete) {
     auto const message = FirmwareUpdateMsg::create(Status::Enum(4), 0);
     EXPECT_EQ(errorOf([&] { wireText(*message); }), "InvalidEnumError: invalid FirmwareUpdateStatus value 4");
 }
 
-TEST(FirmwareUpdateMsg, CannotBeReadWithAnUnknownStatus) {
+TEST(FirmwareUpdateMsg, RefusesAnUnknownStatus) {
     EXPECT_EQ(
         errorOf([] { readBack<FirmwareUpdateMsg>(R"({"__name__":"zorv::FirmwareUpdateMsg","status_":"Idle"})"); }),
         "InvalidEnumError: invalid FirmwareUpdateStatus text \"Idle\"");

@@ -23,7 +23,7 @@ TEST(Logger, WritesEachLevelUnderItsName) {
     EXPECT_THAT(log.lines(), ElementsAre("DEBUG a", "INFO b", "WARN c", "ERROR d"));
 }
 
-TEST(Logger, WritesTheGivenPlace) {
+TEST(Logger, WritesTheGivenSourceLocation) {
     LogCapture const log;
     Logger::log(LogLevel::warn, "text", boost::source_location("file.cpp", 17, "void f()"));
     ASSERT_EQ(log.events().size(), 1U);
@@ -43,7 +43,7 @@ TEST(Logger, WritesNothingBelowTheLoggersLevel) {
     EXPECT_TRUE(log.events().empty());
 }
 
-TEST(Logger, MayBeInitialisedAgain) {
+TEST(Logger, HasOneAppenderWhenInitializedTwice) {
     Logger::initialize();
     Logger::initialize();
     EXPECT_EQ(log4cplus::Logger::getRoot().getAllAppenders().size(), 1U);

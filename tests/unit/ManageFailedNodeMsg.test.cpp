@@ -14,9 +14,11 @@ ZwaveAddress const failedNode(0xC0FFEE01U, 7);
 
 constexpr ManageFailedNodeOp::Enum operation(int flags) { return static_cast<ManageFailedNodeOp::Enum>(flags); }
 
-TEST(ManageFailedNodeMsg, SkipsInvalidBeforeAnotherFlag) { EXPECT_EQ(ManageFailedNodeOp::toEnum("invalid|remove"), 1); }
+TEST(ManageFailedNodeMsg, SkipsTheWordInvalidBeforeAFlag) {
+    EXPECT_EQ(ManageFailedNodeOp::toEnum("invalid|remove"), 1);
+}
 
-TEST(ManageFailedNodeMsg, RefusesInvalidBehindAnotherFlag) {
+TEST(ManageFailedNodeMsg, RefusesTheWordInvalidAfterAFlag) {
     EXPECT_EQ(errorOf([] { ManageFailedNodeOp::toEnum("remove|invalid"); }),
               R"(InvalidEnumError: invalid ManageFailedNodeOp text "remove|invalid")");
 }
@@ -72,7 +74,7 @@ TEST(ManageFailedNodeMsg, DefaultHasResult2AndTimeout180AndSurvivesTheWire) {
 
 TEST(ManageFailedNodeMsg, ReaderStartsFromResult2) { EXPECT_EQ(readBlank<ManageFailedNodeMsg>()->result(), 2); }
 
-TEST(ManageFailedNodeMsg, TellsStatus2FromStatus3ByTheLastLetter) {
+TEST(ManageFailedNodeMsg, WritesStatus2AsReplaceAndStatus3AsReplaced) {
     EXPECT_EQ(ManageFailedNodeStatus::toEnum("replace"), 2);
     EXPECT_EQ(ManageFailedNodeStatus::toEnum("replaced"), 3);
     EXPECT_EQ(toString(static_cast<ManageFailedNodeStatus::Enum>(2)), "replace");
@@ -112,7 +114,7 @@ TEST(ManageFailedNodeMsg, AnswerTakesOperationAndAddressFromTheRequestAndTheRest
     EXPECT_EQ(response->correlation(), request->id());
 }
 
-TEST(ManageFailedNodeMsg, RefusesToAnswerNoRequest) {
+TEST(ManageFailedNodeMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] {
                   ManageFailedNodeMsg::create(boost::shared_ptr<ManageFailedNodeMsg>(), ZResult::success,
                                               ManageFailedNodeStatus::removed, 1);

@@ -86,7 +86,7 @@ void use(TMessage const& message) {
     }
 }
 
-TEST(MutatedText, IsRefusedOrReadAsAMessageThatBehaves) {
+TEST(MutatedText, IsRefusedOrReadAsAUsableMessage) {
     auto const texts = goldenTexts();
     ASSERT_FALSE(texts.empty());
     Damage damage(texts);

@@ -18,7 +18,7 @@ namespace {
 
 TEST(NvmOp, HasItsTexts) { expectTexts<NvmOp::Enum>({"none", "clear", "save", "restore"}); }
 
-TEST(NvmOp, HasNoTextInvalid) {
+TEST(NvmOp, RefusesTheTextInvalid) {
     EXPECT_EQ(errorOf([] { NvmOp::toEnum("invalid"); }), "InvalidEnumError: invalid NvmOp text \"invalid\"");
 }
 
@@ -31,19 +31,19 @@ TEST(NvmOp, IsNumberedUnlikeTheOperationsOfManageNvmMsg) {
     EXPECT_EQ(ManageNvmOp::clear, 3);
 }
 
-TEST(NvmOpEvt, IsOfNoOperationUnlessToldOtherwise) { EXPECT_EQ(NvmOpEvt().op(), NvmOp::none); }
+TEST(NvmOpEvt, HasTheOperationNoneByDefault) { EXPECT_EQ(NvmOpEvt().op(), NvmOp::none); }
 
-TEST(NvmOpEvt, OfOperation2IsWrittenAsSave) {
+TEST(NvmOpEvt, WritesOperation2AsSave) {
     auto const event = NvmOpEvt::create(PingMsg(), NvmOp::Enum(2));
     EXPECT_EQ(ownMembers<TMessage>(*event), R"(,"op_":"save"})");
 }
 
-TEST(NvmOpEvt, OfOperation4CannotBeWritten) {
+TEST(NvmOpEvt, RefusesToWriteOperation4) {
     NvmOpEvt const event(NvmOp::Enum(4));
     EXPECT_EQ(errorOf([&] { wireText(event); }), "InvalidEnumError: invalid NvmOp value 4");
 }
 
-TEST(NvmOpEvt, IsCorrelatedWithAndAddressedLikeItsCause) {
+TEST(NvmOpEvt, TakesCorrelationAndSourceFromItsCause) {
     PingMsg cause;
     cause.source({boost::asio::ip::address_v4(0xC0000207), 4711});
     auto const event = NvmOpEvt::create(cause, NvmOp::restore);
@@ -59,7 +59,7 @@ TEST(NvmOpEvt, MayBeCausedByAMessageThatExpectsNoAnswer) {
     EXPECT_EQ(NvmOpEvt::create(cause, NvmOp::save)->correlation(), cause.id());
 }
 
-TEST(NvmOpEvt, CannotBeReadWithAnUnknownOperation) {
+TEST(NvmOpEvt, RefusesAnUnknownOperation) {
     EXPECT_EQ(errorOf([] { readBack<NvmOpEvt>(R"({"__name__":"zorv::NvmOpEvt","op_":"validate"})"); }),
               "InvalidEnumError: invalid NvmOp text \"validate\"");
 }

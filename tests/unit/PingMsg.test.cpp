@@ -21,14 +21,14 @@ using Row = std::vector<std::string>;
 ZwaveAddress const node5(0xC0FFEE01, 5);
 TimeStamp const noon(1769860800000); // 2026-01-31T12:00:00.000Z
 
-TEST(PingMsg, HasTheDefaultsOfAnAddressThatIsNone) {
+TEST(PingMsg, HasNoDestinationAndNoLatencyByDefault) {
     PingMsg const ping;
     EXPECT_EQ(ping.destination(), ZwaveAddress(0, 0));
     EXPECT_EQ(ping.latencyMs(), 0U);
     EXPECT_EQ(static_cast<int>(ping.result()), 0);
 }
 
-TEST(PingMsg, ARequestNamesItsDestination) {
+TEST(PingMsg, RequestNamesItsDestination) {
     auto const ping = PingMsg::create(node5);
     EXPECT_EQ(ping->destination(), node5);
     EXPECT_EQ(ping->latencyMs(), 0U);
@@ -42,7 +42,7 @@ TEST(PingMsg, ReadsEveryMemberOfItsGoldenText) {
     EXPECT_EQ(ping->result(), ZResult::success);
 }
 
-TEST(PingMsg, RebuiltFromItsJsonItHasTheDestinationAndTheLatencyAndNothingThatIsTheClientsOwn) {
+TEST(PingMsg, KeepsDestinationAndLatencyOnTheWireButNotCountTimeAndHeader) {
     auto const ping = PingMsg::create(PingMsg::create(node5), ZResult::success, 250);
     ping->header(true);
     ping->count(7);
@@ -54,11 +54,11 @@ TEST(PingMsg, RebuiltFromItsJsonItHasTheDestinationAndTheLatencyAndNothingThatIs
     EXPECT_THAT(shown(*rebuilt), ElementsAre(Row{"0", "1970-01-01T00:00:00.000Z", "c0ffee01:5", "success", "250"}));
 }
 
-TEST(PingMsg, AResponseToNoRequestIsRefused) {
+TEST(PingMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { PingMsg::create(nullptr, ZResult::success, 1); }), "NullPointerError: msg is null");
 }
 
-TEST(PingMsg, AResponseKeepsTheDestinationCountTimeAndHeaderOfItsRequest) {
+TEST(PingMsg, ResponseKeepsDestinationCountTimeAndHeaderOfItsRequest) {
     auto const request = PingMsg::create(node5);
     request->header(true);
     request->count(7);
@@ -70,7 +70,7 @@ TEST(PingMsg, AResponseKeepsTheDestinationCountTimeAndHeaderOfItsRequest) {
                                               Row{"7", "2026-01-31T12:00:00.000Z", "c0ffee01:5", "timeout", "0"}));
 }
 
-TEST(PingMsg, AResponseIsLinkedToItsRequest) {
+TEST(PingMsg, ResponseIsLinkedToItsRequest) {
     auto const request = PingMsg::create(node5);
     auto const response = PingMsg::create(request, ZResult::success, 250);
     EXPECT_EQ(response->correlation(), request->id());
@@ -80,7 +80,7 @@ TEST(PingMsg, AResponseIsLinkedToItsRequest) {
     EXPECT_EQ(request->latencyMs(), 0U);
 }
 
-TEST(PingMsg, AResponseWithLatency250ShowsItInColumn4AndTheResultsTextInColumn3) {
+TEST(PingMsg, ResponseShowsItsLatencyInColumn4AndItsResultInColumn3) {
     auto const response = PingMsg::create(PingMsg::create(node5), ZResult::success, 250);
     auto const rows = shown(*response);
     ASSERT_EQ(rows.size(), 1U);
@@ -109,7 +109,7 @@ TEST(PingMsg, AppendsItsRowsToThoseThatAreThere) {
     EXPECT_EQ(rows[0], Row{"before"});
 }
 
-TEST(PingMsg, ShowsANegativeCountAsItIs) {
+TEST(PingMsg, ShowsANegativeCount) {
     auto const ping = PingMsg::create(node5);
     ping->count(-1);
     auto const rows = shown(*ping);
@@ -122,7 +122,7 @@ TEST(PingMsg, AsksForWidthsOfColumns0And3) {
     EXPECT_THAT(ping->widths(), ElementsAre(6U, 0U, 0U, 17U));
 }
 
-TEST(PingMsg, IsCopiedWithWhatIsTheClientsOwn) {
+TEST(PingMsg, IsCopiedWithCountTimeAndHeader) {
     PingMsg ping(node5);
     ping.header(true);
     ping.count(7);
@@ -132,12 +132,12 @@ TEST(PingMsg, IsCopiedWithWhatIsTheClientsOwn) {
                                          Row{"7", "2026-01-31T12:00:00.000Z", "c0ffee01:5", "none", "0"}));
 }
 
-TEST(PingMsg, RefusesALatencyThatIsNegative) {
+TEST(PingMsg, RefusesANegativeLatency) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::PingMsg","latencyMs_":-1})"),
               "SerializerError: latencyMs_: expected unsigned int, got -1");
 }
 
-TEST(PingMsg, RefusesAnAddressWithABadNodeIdByItsPath) {
+TEST(PingMsg, NamesThePathToABadNodeId) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::PingMsg","destination_":{"nodeId_":"5"}})"),
               "SerializerError: destination_.nodeId_: expected unsigned byte, got string");
 }

@@ -27,12 +27,12 @@ TEST(RawCommand, MayBeEmpty) {
     EXPECT_TRUE(readBlank<RawCommand>()->bytes().empty());
 }
 
-TEST(RawCommand, ReadsNoNumberThatIsNoByte) {
+TEST(RawCommand, RefusesANumberAboveOneByte) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RawCommand","data_":[1,256]})"),
               "SerializerError: data_[1]: expected unsigned byte, got 256");
 }
 
-TEST(RawCommand, ReadsNoDataThatIsNoArray) {
+TEST(RawCommand, RefusesDataThatIsNotAnArray) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RawCommand","data_":"AQ=="})"),
               "SerializerError: data_: expected array, got string");
 }

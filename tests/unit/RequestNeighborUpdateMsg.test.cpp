@@ -44,7 +44,7 @@ TEST(RequestNeighborUpdateMsg, AnswerTakesTheAddressFromItsArgumentEvenWhereTheR
     EXPECT_EQ(answer->correlation(), request->id());
 }
 
-TEST(RequestNeighborUpdateMsg, RefusesToAnswerNoRequest) {
+TEST(RequestNeighborUpdateMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] {
                   RequestNeighborUpdateMsg::create(boost::shared_ptr<RequestNeighborUpdateMsg>(), ZResult::success,
                                                    node5, RequestNeighborUpdateStatus::done, 1);

@@ -48,7 +48,7 @@ TEST(RequestNetworkUpdateMsg, AnswerTakesEverythingFromItsArguments) {
     EXPECT_EQ(answer->correlation(), request->id());
 }
 
-TEST(RequestNetworkUpdateMsg, RefusesToAnswerNoRequest) {
+TEST(RequestNetworkUpdateMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] {
                   RequestNetworkUpdateMsg::create(boost::shared_ptr<RequestNetworkUpdateMsg>(), ZResult::success,
                                                   RequestNetworkUpdateStatus::done, 1);

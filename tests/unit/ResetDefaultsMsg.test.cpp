@@ -33,7 +33,7 @@ TEST(ResetDefaultsMsg, AnswerKeepsTheRequestAndCarriesTheNewTimeout) {
     EXPECT_EQ(request->timeout(), 180U);
 }
 
-TEST(ResetDefaultsMsg, RefusesToAnswerNoRequest) {
+TEST(ResetDefaultsMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { ResetDefaultsMsg::create(boost::shared_ptr<ResetDefaultsMsg>(), ZResult::success, 1); }),
               "NullPointerError: msg is null");
 }

@@ -36,7 +36,7 @@ std::string kind(std::vector<unsigned char> const& nodeIds) {
 
 bool valid(std::vector<unsigned char> const& nodeIds) { return SendCommandMsg::validDestinations(nodes(nodeIds)); }
 
-TEST(SendCommandMsg, HasOneInvalidDestinationByDefaultAndIsOfNoKind) {
+TEST(SendCommandMsg, HasOneInvalidDestinationAndNoKindByDefault) {
     SendCommandMsg const message;
     EXPECT_EQ(message.destinations(), Addresses{ZwaveAddress::INVALID_ADDRESS});
     EXPECT_FALSE(SendCommandMsg::validDestinations(message.destinations()));
@@ -144,7 +144,7 @@ TEST(SendCommandMsg, ToANodeAndTheBroadcastIdIsOfNoKind) { EXPECT_EQ(kind({7, 25
 
 TEST(SendCommandMsg, ToSixtyFiveNodesIsOfNoKind) { EXPECT_EQ(kind(Bytes(65, 7)), ""); }
 
-TEST(SendCommandMsg, GivesTheInvalidAddressForADestinationThatItDoesNotHave) {
+TEST(SendCommandMsg, GivesTheInvalidAddressForAnIndexOutOfRange) {
     auto const message = request({5, 6});
     EXPECT_EQ(message->destination(1), ZwaveAddress(0xC0FFEE01, 6));
     EXPECT_EQ(&message->destination(2), &ZwaveAddress::INVALID_ADDRESS);
@@ -162,7 +162,7 @@ TEST(SendCommandMsg, TheResponseToASinglecastIsNoGroupResponse) {
     EXPECT_FALSE(SendCommandMsg::create(request({7}), ZResult::success)->groupResponse());
 }
 
-TEST(SendCommandMsg, TheResponseToASinglecastKeepsAGroupResponseThatTheRequestWas) {
+TEST(SendCommandMsg, TheResponseToASinglecastKeepsTheGroupResponseFlagOfTheRequest) {
     auto const message = request({7});
     message->groupResponse(true);
     EXPECT_TRUE(SendCommandMsg::create(message, ZResult::success)->groupResponse());
@@ -172,7 +172,7 @@ TEST(SendCommandMsg, TheResponseToInvalidDestinationsIsNoGroupResponse) {
     EXPECT_FALSE(SendCommandMsg::create(request({7, 255}), ZResult::rejected)->groupResponse());
 }
 
-TEST(SendCommandMsg, ItsResponseRepeatsTheRequest) {
+TEST(SendCommandMsg, ResponseRepeatsTheRequest) {
     auto const message = SendCommandMsg::create(nodes({5}), command, TransmitOption::noRoute, true, true, true);
     auto const response = SendCommandMsg::create(message, ZResult::nodeNotReached);
     EXPECT_EQ(ownMembers<Confirmable>(*response), ownMembers<Confirmable>(*message));
@@ -182,7 +182,7 @@ TEST(SendCommandMsg, ItsResponseRepeatsTheRequest) {
     EXPECT_NE(response->id(), message->id());
 }
 
-TEST(SendCommandMsg, NothingAnswersAnEmptyRequest) {
+TEST(SendCommandMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { SendCommandMsg::create(nullptr, ZResult::success); }), "NullPointerError: msg is null");
 }
 
@@ -192,7 +192,7 @@ public:
     boost::shared_ptr<TConfirmable> clone() const override { return boost::make_shared<Confirmable>(); }
 };
 
-TEST(SendCommandMsg, AnswersNothingWhereTheCopyIsOfAnotherClass) {
+TEST(SendCommandMsg, ResponseIsNullWhenTheCloneIsOfAnotherClass) {
     EXPECT_FALSE(SendCommandMsg::create(boost::make_shared<ForeignClone>(), ZResult::success));
 }
 
@@ -202,7 +202,7 @@ TEST(SendCommandMsg, KeepsAnEmptyCommandEmpty) {
     EXPECT_FALSE(readBack<SendCommandMsg>(wireText(*message))->command());
 }
 
-TEST(SendCommandMsg, IsLeftWithoutACommandByAnObjectOfAnotherClass) {
+TEST(SendCommandMsg, HasNoCommandWhenTheTextHoldsAnObjectOfAnotherClass) {
     auto const message =
         readBack<SendCommandMsg>(R"({"__name__":"zorv::SendCommandMsg","command_":{"__name__":"zorv::Device"}})");
     EXPECT_FALSE(message->command());
@@ -213,16 +213,16 @@ TEST(SendCommandMsg, ReplacesItsDefaultDestinationByAnEmptyList) {
     EXPECT_TRUE(message->destinations().empty());
 }
 
-TEST(SendCommandMsg, KeepsItsDefaultDestinationWhereTheKeyIsAbsent) {
+TEST(SendCommandMsg, KeepsItsDefaultDestinationWhenTheKeyIsAbsent) {
     EXPECT_EQ(readBlank<SendCommandMsg>()->destinations(), Addresses{ZwaveAddress::INVALID_ADDRESS});
 }
 
-TEST(SendCommandMsg, RefusesDestinationsThatAreNoArray) {
+TEST(SendCommandMsg, RefusesDestinationsThatAreNotAnArray) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SendCommandMsg","destinations_":{"homeId_":1,"nodeId_":2}})"),
               "SyntaxError: expected array, got object");
 }
 
-TEST(SendCommandMsg, RefusesOptionsThatItDoesNotKnow) {
+TEST(SendCommandMsg, RefusesUnknownOptions) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SendCommandMsg","options_":"ack|fast"})"),
               "InvalidEnumError: invalid TransmitOption text \"ack|fast\"");
 }

@@ -43,7 +43,7 @@ int madeBy(std::string const& serialName) {
     return dynamic_cast<Made&>(*object).by;
 }
 
-TEST(SerialRegistrar, EntersAFactoryAsLongAsItLives) {
+TEST(SerialRegistrar, RegistersAFactoryAsLongAsItLives) {
     {
         SerialRegistrar const registrar("test::Made", factoryOf(1));
         EXPECT_EQ(registrar.serialName(), "test::Made");
@@ -101,7 +101,7 @@ TEST(SerialRegistry, GivesItsNamesInAscendingOrder) {
     EXPECT_THAT(names, testing::IsSupersetOf({"test::A", "test::B", "zorv::Confirmable", "zorv::PingMsg"}));
 }
 
-TEST(SerialRegistry, FindsNothingUnderANameThatIsNotThere) {
+TEST(SerialRegistry, FindsNothingUnderAnUnknownName) {
     EXPECT_TRUE(SerialRegistry::find("test::Nobody").empty());
     EXPECT_TRUE(SerialRegistry::find("").empty());
     EXPECT_TRUE(SerialRegistry::find("zorv::pingmsg").empty());

@@ -30,7 +30,7 @@ TEST(SessionLayerMsg, MadeFromNothingHasNoRole) {
     EXPECT_EQ(message.role(), 0);
 }
 
-TEST(SessionLayerMsg, RejectsTheOperationTextInvalid) {
+TEST(SessionLayerMsg, RefusesTheOperationTextInvalid) {
     auto text = wireText(SessionLayerMsg());
     auto const value = text.find(R"("op_":"status")");
     ASSERT_NE(value, std::string::npos);
@@ -64,7 +64,7 @@ TEST(SessionLayerMsg, AnswersWithACopyOfTheRequest) {
     EXPECT_NE(response->id(), request->id());
 }
 
-TEST(SessionLayerMsg, RefusesToAnswerNoRequest) {
+TEST(SessionLayerMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { SessionLayerMsg::create(boost::shared_ptr<SessionLayerMsg>(), ZResult::success); }),
               "NullPointerError: msg is null");
 }
@@ -75,7 +75,7 @@ public:
     boost::shared_ptr<TConfirmable> clone() const override { return boost::make_shared<Confirmable>(); }
 };
 
-TEST(SessionLayerMsg, AnswersNothingWhereTheCopyIsOfAnotherClass) {
+TEST(SessionLayerMsg, ResponseIsNullWhenTheCloneIsOfAnotherClass) {
     EXPECT_FALSE(SessionLayerMsg::create(boost::make_shared<ForeignClone>(), ZResult::success));
 }
 

@@ -27,7 +27,7 @@ TEST(StringToVector, GivesATextWithoutDelimiterAsOnePiece) {
     EXPECT_THAT(split("abc", "|", false), ElementsAre("abc"));
 }
 
-TEST(StringToVector, KeepsEmptyPiecesWhereAskedTo) {
+TEST(StringToVector, KeepsEmptyPiecesWhenAsked) {
     EXPECT_THAT(split("|a||b|", "|", true), ElementsAre("", "a", "", "b", ""));
     EXPECT_THAT(split("|", "|", true), ElementsAre("", ""));
 }
@@ -46,7 +46,7 @@ TEST(StringToVector, SplitsAtEachOfSeveralDelimiters) {
     EXPECT_THAT(split("a,b;c", ",;", true), ElementsAre("a", "b", "c"));
 }
 
-TEST(StringToVector, SplitsATextIntoTheVectorThatHeldIt) {
+TEST(StringToVector, SplitsATextThatTheVectorHeld) {
     std::vector<std::string> parts{"a|b"};
     StringToVector(std::string(parts[0]), parts, "|", true);
     EXPECT_THAT(parts, ElementsAre("a", "b"));

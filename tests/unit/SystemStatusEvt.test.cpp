@@ -37,7 +37,7 @@ TEST(SystemStatusEvt, AnswerHasResult1AndNoRole) {
     EXPECT_EQ(answer->correlation(), request->id());
 }
 
-TEST(SystemStatusEvt, RefusesToAnswerNoRequest) {
+TEST(SystemStatusEvt, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { SystemStatusEvt::create(boost::shared_ptr<SystemStatusEvt>(), SystemStatus::ready); }),
               "NullPointerError: msg is null");
 }

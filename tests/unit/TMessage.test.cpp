@@ -45,7 +45,7 @@ std::string errorOfHeader(std::string const& text) {
     return errorOf([&] { readHeader(text); });
 }
 
-TEST(TMessage, IsVersionOneOfNormalPriorityFromNobodyWithoutARoleByDefault) {
+TEST(TMessage, HasVersionOneNormalPriorityNoSourceAndNoRoleByDefault) {
     TMessage const message;
     EXPECT_EQ(message.version(), 1);
     EXPECT_EQ(message.priority(), Priority::normal);
@@ -54,7 +54,7 @@ TEST(TMessage, IsVersionOneOfNormalPriorityFromNobodyWithoutARoleByDefault) {
     EXPECT_TRUE(message.correlation().is_nil());
 }
 
-TEST(TMessage, IsMadeNow) {
+TEST(TMessage, IsStampedWithTheTimeWhenItIsMade) {
     auto const before = TimeStamp::now();
     TMessage const message;
     EXPECT_FALSE(message.timestamp() < before);
@@ -193,7 +193,7 @@ TEST(MessageOrder, YoungerMessagesComeAfterOlderOnesOfTheSamePriority) {
     EXPECT_FALSE(older->less(younger));
 }
 
-TEST(MessageOrder, AMessageDoesNotComeAfterItselfOrAfterNone) {
+TEST(MessageOrder, AMessageDoesNotComeAfterItselfOrANullPointer) {
     auto const message = queued(Priority::normal, "2026-01-01T00:00:00.000Z");
     EXPECT_FALSE(message->less(message));
     EXPECT_FALSE(message->less(nullptr));

@@ -45,7 +45,7 @@ TEST(TimeStamp, KnowsLeapYears) {
               day);
 }
 
-TEST(TimeStamp, DoesNotEndWhereA32BitSecondCountDoes) {
+TEST(TimeStamp, ReachesBeyondSecondsOf32Bits) {
     EXPECT_EQ(toString(TimeStamp(2147483648000)), "2038-01-19T03:14:08.000Z");
     EXPECT_EQ(TimeStamp::parse("2106-02-07T06:28:16.000Z").milliseconds(), 4294967296000);
 }
@@ -56,7 +56,7 @@ TEST(TimeStamp, ReachesFrom1400To9999) {
     }
 }
 
-TEST(TimeStamp, CannotBeWrittenOutsideThoseYears) {
+TEST(TimeStamp, CannotBeWrittenBefore1400OrAfter9999) {
     auto const first = TimeStamp::parse("1400-01-01T00:00:00.000Z").milliseconds();
     auto const last = TimeStamp::parse("9999-12-31T23:59:59.999Z").milliseconds();
     using Limits = std::numeric_limits<std::int64_t>;
@@ -74,7 +74,7 @@ TEST(TimeStamp, RefusesEveryOtherText) {
     }
 }
 
-TEST(TimeStamp, RefusesDaysAndTimesThatNoCalendarHas) {
+TEST(TimeStamp, RefusesDaysAndTimesThatDoNotExist) {
     for (auto const* const text : {"2026-13-01T00:00:00.000Z", "2026-00-01T00:00:00.000Z", "2026-02-29T00:00:00.000Z",
                                    "2026-01-00T00:00:00.000Z", "2026-01-32T00:00:00.000Z", "2026-01-31T24:00:00.000Z",
                                    "2026-01-31T12:60:00.000Z", "2026-01-31T12:00:60.000Z", "1399-12-31T23:59:59.999Z",
@@ -87,7 +87,7 @@ TEST(TimeStamp, NamesTheTextThatItRefuses) {
     EXPECT_EQ(errorOf([] { TimeStamp::parse("soon"); }), "std::invalid_argument: not a time stamp: soon");
 }
 
-TEST(TimeStamp, IsNowWhenItIs) {
+TEST(TimeStamp, NowIsTheTimeOfTheSystemClock) {
     auto const clock = [] {
         auto const sinceStart = std::chrono::system_clock::now().time_since_epoch();
         return std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count();

@@ -31,7 +31,7 @@ TEST(VersionMsg, IsReadFromAMessageWithBasesToo) {
     EXPECT_EQ(message->result(), ZResult::none);
 }
 
-TEST(VersionMsg, LeavesTheReaderUsableBehindIt) {
+TEST(VersionMsg, LetsTheReaderGoOnAfterIt) {
     Serializer s(R"([{"__name__":"zorv::VersionMsg","protocolVersion_":"1"},"next"])");
     boost::shared_ptr<VersionMsg> message;
     std::string next;
@@ -80,7 +80,7 @@ TEST(VersionMsg, RequestCarriesTheText) {
     EXPECT_EQ(request->result(), 0);
 }
 
-TEST(VersionMsg, AnswerCarriesItsOwnTextAndNoResult) {
+TEST(VersionMsg, ResponseCarriesItsOwnTextAndNoResult) {
     auto const request = VersionMsg::create("2.0");
     request->result(ZResult::success);
     auto const response = VersionMsg::create(request, "2.1");
@@ -89,13 +89,13 @@ TEST(VersionMsg, AnswerCarriesItsOwnTextAndNoResult) {
     EXPECT_EQ(response->correlation(), request->id());
 }
 
-TEST(VersionMsg, RefusesNoText) {
+TEST(VersionMsg, RefusesANullText) {
     EXPECT_EQ(errorOf([] { VersionMsg::create(noText); }), "NullPointerError: protocol is null");
     EXPECT_EQ(errorOf([] { VersionMsg::create(VersionMsg::create("1"), noText); }),
               "NullPointerError: protocol is null");
 }
 
-TEST(VersionMsg, TestsTheRequestBeforeTheText) {
+TEST(VersionMsg, ComplainsOfANullRequestBeforeANullText) {
     EXPECT_EQ(errorOf([] { VersionMsg::create(boost::shared_ptr<VersionMsg>(), noText); }),
               "NullPointerError: msg is null");
 }

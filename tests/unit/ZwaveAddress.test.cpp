@@ -54,7 +54,7 @@ TEST(ZwaveAddress, IsReadFromItsObject) {
     EXPECT_EQ(readAddress(R"({"homeId_":4294967295,"nodeId_":255})"), ZwaveAddress(0xFFFFFFFF, 255));
 }
 
-TEST(ZwaveAddress, KeepsWhatIsAbsent) {
+TEST(ZwaveAddress, KeepsAbsentMembers) {
     EXPECT_EQ(readAddress(R"({"nodeId_":5})"), ZwaveAddress(0xAAAAAAAA, 5));
     EXPECT_EQ(readAddress(R"({"homeId_":1})"), ZwaveAddress(1, 170));
     EXPECT_EQ(readAddress("{}"), ZwaveAddress(0xAAAAAAAA, 170));
@@ -88,7 +88,7 @@ TEST(ZwaveAddress, IsEqualOnlyInBothParts) {
     EXPECT_NE(ZwaveAddress(1, 2), ZwaveAddress(2, 2));
 }
 
-TEST(ZwaveAddress, EqualOnesHaveEqualHashes) {
+TEST(ZwaveAddress, EqualAddressesHaveEqualHashes) {
     EXPECT_EQ(ZwaveAddress(0xC0FFEE01, 5).hash(), ZwaveAddress(0xC0FFEE01, 5).hash());
     EXPECT_EQ(hash_value(ZwaveAddress(0xC0FFEE01, 5)), ZwaveAddress(0xC0FFEE01, 5).hash());
 }

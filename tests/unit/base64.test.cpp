@@ -77,7 +77,7 @@ TEST(Base64, EncodesNothingFromANullPointerToTheEmptyText) {
     EXPECT_FALSE(error);
 }
 
-TEST(Base64, DecodesTheEmptyTextToAnEmptyResultThatIsNoFailure) {
+TEST(Base64, DecodesTheEmptyTextToAnEmptyResultWithoutAnError) {
     boost::system::error_code error = errc::make_error_code(errc::io_error);
     auto const result = base64Decode(nullptr, 0, error);
     EXPECT_FALSE(error);
@@ -87,11 +87,9 @@ TEST(Base64, DecodesTheEmptyTextToAnEmptyResultThatIsNoFailure) {
 
 TEST(Base64, DefaultResultIsAFailure) { EXPECT_TRUE(!CryptoResult()); }
 
-TEST(Base64, EncodesWithoutLineFeedsHoweverLongTheTextIs) {
-    EXPECT_EQ(encode(noise(100'000)).find('\n'), std::string::npos);
-}
+TEST(Base64, EncodesLongTextsWithoutLineFeeds) { EXPECT_EQ(encode(noise(100'000)).find('\n'), std::string::npos); }
 
-TEST(Base64, BreaksLinesAfter64CharactersWhereAsked) {
+TEST(Base64, BreaksLinesAfter64CharactersWhenAsked) {
     EXPECT_EQ(encode(std::string(48, '\0'), true), std::string(64, 'A') + "\n");
     EXPECT_EQ(encode(std::string(49, '\0'), true), std::string(64, 'A') + "\nAA==\n");
     EXPECT_EQ(encode("", true), "");
@@ -99,7 +97,7 @@ TEST(Base64, BreaksLinesAfter64CharactersWhereAsked) {
 
 TEST(Base64, RefusesBrokenLines) { EXPECT_TRUE(isRefused(encode(std::string(49, '\0'), true))); }
 
-TEST(Base64, GivesEveryLengthBackByteForByte) {
+TEST(Base64, RoundTripsEveryLength) {
     auto const bytes = noise(600);
     for (std::size_t size = 0; size <= bytes.size(); ++size) {
         auto const part = bytes.substr(0, size);
@@ -107,7 +105,7 @@ TEST(Base64, GivesEveryLengthBackByteForByte) {
     }
 }
 
-TEST(Base64, GivesLengthsAroundItsBlockSizesBackByteForByte) {
+TEST(Base64, RoundTripsLengthsAroundItsBlockSizes) {
     for (std::size_t const block : {std::size_t(12'288), std::size_t(2 * 12'288), std::size_t(3U << 20U)}) {
         for (auto const size : {block - 1, block, block + 1, block + 2}) {
             auto const bytes = noise(size);
@@ -139,7 +137,7 @@ TEST(Base64, RefusesWhiteSpaceAroundTheText) {
     EXPECT_TRUE(isRefused("\n\n\n\n"));
 }
 
-TEST(Base64, RefusesALengthThatIsNoMultipleOfFour) {
+TEST(Base64, RefusesALengthThatIsNotAMultipleOfFour) {
     EXPECT_TRUE(isRefused("Z"));
     EXPECT_TRUE(isRefused("Zm"));
     EXPECT_TRUE(isRefused("Zm9"));
@@ -176,7 +174,7 @@ TEST(Base64, RefusesANullPointerWithALength) {
     EXPECT_EQ(error, errc::invalid_argument);
 }
 
-TEST(Base64, RefusesALengthWhoseTextNoStringCanHold) {
+TEST(Base64, RefusesALengthBeyondTheLongestString) {
     unsigned char const byte = 0; // is not read
     for (bool const lines : {false, true}) {
         boost::system::error_code error;

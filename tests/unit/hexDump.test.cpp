@@ -13,7 +13,7 @@ StringVecVec dump(std::vector<unsigned char> const& bytes) {
     return rows;
 }
 
-TEST(HexDump, ShowsNoBytesAsOneRowThatEndsAfterItsOffset) { EXPECT_EQ(dump({}), (StringVecVec{{"Data:", "00:"}})); }
+TEST(HexDump, ShowsNoBytesAsOneRowWithAnOffset) { EXPECT_EQ(dump({}), (StringVecVec{{"Data:", "00:"}})); }
 
 TEST(HexDump, ShowsEightBytesInOneRow) {
     EXPECT_EQ(dump({0, 1, 2, 3, 0x0A, 0x7F, 0x80, 0xFF}), (StringVecVec{{"Data:", "00: 00 01 02 03 0a 7f 80 ff"}}));
@@ -36,7 +36,7 @@ TEST(HexDump, WritesOffsetsInDecimal) {
     EXPECT_EQ(rows[13], (std::vector<std::string>{"", "104: ee"}));
 }
 
-TEST(HexDump, WritesLongOffsetsWithoutGroupsInEveryLocale) {
+TEST(HexDump, WritesOffsetsWithoutThousandsSeparatorsInEveryLocale) {
     struct Grouping : std::numpunct<char> {
         char do_thousands_sep() const override { return '.'; }
         std::string do_grouping() const override { return "\3"; }

@@ -12,31 +12,31 @@
 namespace zorv {
 namespace {
 
-TEST(RequireNonNull, GivesWhatThePointerPointsTo) {
+TEST(RequireNonNull, ReturnsTheObjectOfThePointer) {
     auto const seven = boost::make_shared<int>(7);
     EXPECT_EQ(&requireNonNull(seven, "seven is null"), seven.get());
 }
 
-TEST(RequireNonNull, ThrowsItsComplaintOverAnEmptyPointer) {
+TEST(RequireNonNull, ThrowsTheGivenTextForANullPointer) {
     EXPECT_EQ(errorOf([] { requireNonNull(boost::shared_ptr<int>(), "seven is null"); }),
               "NullPointerError: seven is null");
 }
 
-TEST(RequireNonNull, KeepsANullCommandOfAPeerFromBeingShown) {
+TEST(RequireNonNull, RefusesToShowANullCommand) {
     auto const message = readBack<CommandClassMsg>(R"({"__name__":"zorv::CommandClassMsg","command_":null})");
     StringVecVec rows;
     EXPECT_EQ(errorOf([&] { message->accumulateDisplay(rows); }), "NullPointerError: command is null");
     EXPECT_TRUE(rows.empty());
 }
 
-TEST(RequireNonNull, KeepsANullDeviceOfAPeerFromBeingShown) {
+TEST(RequireNonNull, RefusesToShowANullDevice) {
     auto const message = readBack<NodeInformationMsg>(
         R"({"__name__":"zorv::NodeInformationMsg","devices_":[[{"homeId_":1,"nodeId_":2},null]]})");
     StringVecVec rows;
     EXPECT_EQ(errorOf([&] { message->accumulateDisplay(rows); }), "NullPointerError: device is null");
 }
 
-TEST(RequireNonNull, KeepsANullBlobOfAPeerFromBeingCountedAndChecked) {
+TEST(RequireNonNull, RefusesToCountAndCheckANullBlob) {
     auto const message = readBack<ManageNvmMsg>(R"({"__name__":"zorv::ManageNvmMsg","blobs_":[null]})");
     EXPECT_EQ(errorOf([&] { message->size(); }), "NullPointerError: blob is null");
     EXPECT_EQ(errorOf([&] { message->checkBlobs(); }), "NullPointerError: blob is null");
