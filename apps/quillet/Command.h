@@ -38,6 +38,7 @@ public:
 std::unique_ptr<Command> makeCatalogueCommand();
 std::unique_ptr<Command> makeDecodeCommand();
 std::unique_ptr<Command> makeExampleCommand();
+std::unique_ptr<Command> makeFramesCommand();
 std::unique_ptr<Command> makeNvmCommand();
 std::unique_ptr<Command> makePingCommand();
 
@@ -49,6 +50,7 @@ inline std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(makeCatalogueCommand());
     commands.push_back(makeDecodeCommand());
     commands.push_back(makeExampleCommand());
+    commands.push_back(makeFramesCommand());
     return commands;
 }
 
