@@ -1,9 +1,9 @@
 #include "tools/WireClasses.h"
 
-#include "platform/libtransport/MemberTable.h"
 #include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libtransport/TConfirmable.h"
 #include "platform/libtransport/readSerializable.h"
+#include "platform/libtransport/tables/MemberTable.h"
 #include "platform/libzorvshared/Device.h"
 #include "platform/libzorvshared/RawCommand.h"
 #include "zwave/libquillet/Catalogue.h"
@@ -92,6 +92,7 @@ void collect(std::map<std::string, TypeDescriptor>& types, TypeDescriptor const&
              std::vector<TypeDescriptor::Kind> const& kinds) {
     if (std::find(kinds.begin(), kinds.end(), type.kind) != kinds.end()) { types.emplace(type.name, type); }
     for (auto const& member : type.members) { collect(types, member.type, kinds); }
+    if (type.kind == TypeDescriptor::Kind::flagSet) { return; } // its field is told with it
     for (auto const& element : type.elements) { collect(types, element, kinds); }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/TypeDescriptor.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 
 #include <json/value.h>
 

@@ -45,7 +45,10 @@ std::string typeCell(TypeDescriptor const& type) {
     switch (type.kind) {
     case Kind::boolean:
     case Kind::number:
-    case Kind::text: return typeText(type);
+    case Kind::text:
+    case Kind::timeStamp:
+    case Kind::uuid:
+    case Kind::endpoint: return typeText(type);
     case Kind::integer: {
         std::ostringstream os;
         os << std::fixed << std::setprecision(0) << type.minimum << " to " << type.maximum;
@@ -121,7 +124,11 @@ void writeEnum(std::ostream& os, TypeDescriptor const& type) {
     if (type.kind == Kind::flagSet) { os << "A set: texts in this order, each at most once, joined by `|`.\n\n"; }
     if (type.kind == Kind::openSet) { os << "Numbers without a text are written as `0x` and hex digits.\n\n"; }
     os << "| Value | Text |\n|---|---|\n";
-    for (auto const& text : type.texts) { os << "| " << text.value << " | " << code(text.text) << " |\n"; }
+    auto const writeTexts = [&os](TypeDescriptor const& each) {
+        for (auto const& text : each.texts) { os << "| " << text.value << " | " << code(text.text) << " |\n"; }
+    };
+    writeTexts(type);
+    for (auto const& field : type.elements) { writeTexts(field); }
 }
 
 /// What a text that cannot be read is refused with.

@@ -30,36 +30,23 @@ Json::Value textMatching(std::string const& pattern) {
     return schema;
 }
 
-Json::Value textSchema(std::string const& name) {
-    if (name == "time stamp") {
-        return textMatching(R"([0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}Z)");
-    }
-    if (name == "UUID") { return textMatching("[0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12}"); }
-    if (name == "TCP endpoint") { return textMatching(R"((?:[0-9.]+|\[[0-9a-f:.%A-Za-z]+\]):[0-9]{1,5})"); }
-    if (name == "string") { return ofType("string"); }
-    throw std::logic_error("no schema for a text of kind " + name);
-}
-
 Json::Value enumSchema(TypeDescriptor const& type) {
     auto schema = ofType("string");
     for (auto const& text : type.texts) { schema["enum"].append(text.text); }
     return schema;
 }
 
-/// The texts of a flag set in their order, each at most once.
-///
-/// A text whose value is not above the one before begins the set's field, of which one text is always written last.
-std::string flagPattern(std::vector<EnumText> const& texts) {
-    auto field = texts.begin() + 1;
-    while (field != texts.end() && field->value > (field - 1)->value) { ++field; }
+/// The texts of a flag set in their order, each at most once, and then a text of its field.
+std::string flagPattern(TypeDescriptor const& type) {
+    auto const& texts = type.texts;
     std::string pattern = texts.front().text;
-    for (auto first = texts.begin() + 1; first != field; ++first) {
+    for (auto first = texts.begin() + 1; first != texts.end(); ++first) {
         pattern += '|' + first->text;
-        for (auto next = first + 1; next != field; ++next) { pattern += "(?:\\|" + next->text + ")?"; }
+        for (auto next = first + 1; next != texts.end(); ++next) { pattern += "(?:\\|" + next->text + ")?"; }
     }
-    if (field == texts.end()) { return pattern; }
+    if (type.elements.empty()) { return pattern; }
     std::string values;
-    for (auto value = field; value != texts.end(); ++value) { values += (values.empty() ? "" : "|") + value->text; }
+    for (auto const& value : type.elements.at(0).texts) { values += (values.empty() ? "" : "|") + value.text; }
     return "(?:" + pattern + ")\\|(?:" + values + ")";
 }
 
@@ -73,7 +60,10 @@ Json::Value typeSchema(TypeDescriptor const& type) {
         schema["maximum"] = static_cast<Json::Int64>(type.maximum);
         return schema;
     case Kind::number: return ofType("number");
-    case Kind::text: return textSchema(type.name);
+    case Kind::text: return ofType("string");
+    case Kind::timeStamp: return textMatching(R"([0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}Z)");
+    case Kind::uuid: return textMatching("[0-9a-f]{8}(?:-[0-9a-f]{4}){3}-[0-9a-f]{12}");
+    case Kind::endpoint: return textMatching(R"((?:[0-9.]+|\[[0-9a-f:.%A-Za-z]+\]):[0-9]{1,5})");
     case Kind::enumeration:
     case Kind::openSet:
     case Kind::flagSet:
@@ -166,7 +156,7 @@ Json::Value definitions(Classes const& classes) {
         define(entry.first, schema);
     }
     for (auto const& entry : typesOfKind(classes, {Kind::flagSet})) {
-        define(entry.first, textMatching(flagPattern(entry.second.texts)));
+        define(entry.first, textMatching(flagPattern(entry.second)));
     }
     for (auto const& entry : typesOfKind(classes, {Kind::reference})) {
         define("any-" + entry.first, anyOf(kindsOf(classes, entry.first)));

@@ -36,6 +36,9 @@ char const* kindText(Kind kind) {
     case Kind::integer: return "integer";
     case Kind::number: return "number";
     case Kind::text: return "text";
+    case Kind::timeStamp: return "timeStamp";
+    case Kind::uuid: return "uuid";
+    case Kind::endpoint: return "endpoint";
     case Kind::enumeration: return "enumeration";
     case Kind::openSet: return "openSet";
     case Kind::flagSet: return "flagSet";
@@ -102,7 +105,10 @@ std::string keysOf(MessageDescriptor const& message) {
 
 /// The enumerations of the members, by name.
 void collectEnums(std::map<std::string, TypeDescriptor>& enums, TypeDescriptor const& type) {
-    if (!type.texts.empty()) { enums.emplace(type.name, type); }
+    if (!type.texts.empty()) {
+        enums.emplace(type.name, type);
+        return;
+    }
     for (auto const& member : type.members) { collectEnums(enums, member.type); }
     for (auto const& element : type.elements) { collectEnums(enums, element); }
 }
@@ -119,7 +125,13 @@ void addMembers(StringVecVec& rows, std::vector<MemberDescriptor> const& members
 void addEnum(StringVecVec& rows, TypeDescriptor const& type) {
     rows.emplace_back();
     displayRow(rows, type.name, "Value", "Text");
-    for (auto const& text : type.texts) { displayRow(rows, "", text.value, text.text); }
+    auto const addTexts = [&rows](TypeDescriptor const& each) {
+        for (auto const& text : each.texts) { displayRow(rows, "", text.value, text.text); }
+    };
+    addTexts(type);
+    if (type.kind == Kind::flagSet) {
+        for (auto const& field : type.elements) { addTexts(field); }
+    }
     if (type.kind == Kind::openSet) { displayRow(rows, "", "others", "0x and hex digits"); }
 }
 

@@ -1,13 +1,13 @@
 #include "apps/quillet/parseNode.h"
 
+#include "platform/libzorvshared/nodeIds.h"
+
 #include <charconv>
 #include <stdexcept>
 
 namespace zorv {
 
 namespace {
-
-constexpr unsigned int lastNodeId = 232;
 
 bool readNumber(std::string const& text, int base, unsigned int& number) {
     auto const* const end = text.data() + text.size();
@@ -23,9 +23,10 @@ ZwaveAddress parseNode(std::string const& text) {
     unsigned int nodeId = 0;
     bool const homeGood = colon == std::string::npos || (colon == 8 && readNumber(text.substr(0, colon), 16, homeId));
     bool const nodeGood = readNumber(colon == std::string::npos ? text : text.substr(colon + 1), 10, nodeId);
-    if (!homeGood || !nodeGood || nodeId < 1 || nodeId > lastNodeId) {
-        throw std::invalid_argument("not a node: \"" + text +
-                                    "\"; expected a node id from 1 to 232, such as 5 or c0ffee01:5");
+    if (!homeGood || !nodeGood || !isNodeId(nodeId)) {
+        throw std::invalid_argument("not a node: \"" + text + "\"; expected a node id from " +
+                                    std::to_string(firstNodeId) + " to " + std::to_string(lastNodeId) +
+                                    ", such as 5 or c0ffee01:5");
     }
     return {homeId, static_cast<unsigned char>(nodeId)};
 }

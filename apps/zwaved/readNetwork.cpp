@@ -1,5 +1,7 @@
 #include "apps/zwaved/readNetwork.h"
 
+#include "platform/libzorvshared/nodeIds.h"
+
 #include <json/reader.h>
 #include <json/value.h>
 
@@ -18,7 +20,6 @@ namespace zorv {
 
 namespace {
 
-constexpr unsigned int lastNodeId = 232;
 constexpr unsigned int longestTimeMs = 60000;
 
 std::string readText(std::string const& file) {
@@ -52,7 +53,7 @@ public:
 
     void read(char const* key, unsigned char& nodeId) {
         unsigned int value = nodeId;
-        read(key, 1, lastNodeId, value);
+        read(key, firstNodeId, lastNodeId, value);
         nodeId = static_cast<unsigned char>(value);
     }
 

@@ -1,14 +1,9 @@
 #include "platform/libtransport/MessageRole.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::MessageRole {
 
-namespace {
-constexpr auto table =
-    enumTable<Enum>("MessageRole", {{none, "none"}, {request, "request"}, {response, "response"}, {report, "report"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::MessageRole

@@ -1,13 +1,9 @@
 #include "platform/libtransport/Priority.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::Priority {
 
-namespace {
-constexpr auto table = enumTable<Enum>("Priority", {{low, "low"}, {normal, "normal"}, {high, "high"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::Priority

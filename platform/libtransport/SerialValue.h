@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/libtransport/EnumDeclaration.h"
 #include "platform/libtransport/Serializable.h"
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/TcpEndpoint.h"
 #include "platform/libtransport/TimeStamp.h"
+#include "platform/libtransport/tables/EnumDeclaration.h"
 
 #include <boost/shared_ptr.hpp>
 #include <boost/unordered_map.hpp>

@@ -1,14 +1,13 @@
 #include "platform/libtransport/TConfirmable.h"
 
-#include "platform/libtransport/MemberTable.h"
+#include "platform/libtransport/tables/MemberTable.h"
 
 #include <boost/make_shared.hpp>
 
 namespace zorv {
 
 struct TConfirmable::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("result_", &TConfirmable::result_, "outcome of the request"));
+    static constexpr auto members = std::make_tuple(member<&TConfirmable::result_>("outcome of the request"));
 };
 
 void TConfirmable::serialInserter(Serializer& s) const { insertFrame<TMessage>(s, serialName(), *this, Wire::members); }

@@ -1,7 +1,7 @@
 #include "platform/libtransport/TMessage.h"
 
-#include "platform/libtransport/MemberTable.h"
 #include "platform/libtransport/freshIdentity.h"
+#include "platform/libtransport/tables/MemberTable.h"
 #include "transport/displayRow.h"
 
 #include <boost/asio/ip/tcp.hpp>
@@ -13,14 +13,13 @@
 namespace zorv {
 
 struct TMessage::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("version_", &TMessage::version_, "version of the header"),
-                        member("id_", &TMessage::id_, "identity of the message"),
-                        member("timestamp_", &TMessage::timestamp_, "when the message was made, UTC"),
-                        member("priority_", &TMessage::priority_, "order among waiting messages"),
-                        member("source_", &TMessage::source_, "where the request came from"),
-                        member("role_", &TMessage::role_, "what the message is to its receiver"),
-                        member("correlation_", &TMessage::correlation_, "identity of the request that it answers"));
+    static constexpr auto members = std::make_tuple(
+        member<&TMessage::version_>("version of the header"), member<&TMessage::id_>("identity of the message"),
+        member<&TMessage::timestamp_>("when the message was made, UTC"),
+        member<&TMessage::priority_>("order among waiting messages"),
+        member<&TMessage::source_>("where the request came from"),
+        member<&TMessage::role_>("what the message is to its receiver"),
+        member<&TMessage::correlation_>("identity of the request that it answers"));
 };
 
 TMessage::TMessage()

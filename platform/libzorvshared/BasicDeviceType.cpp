@@ -1,18 +1,9 @@
 #include "platform/libzorvshared/BasicDeviceType.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::BasicDeviceType {
 
-namespace {
-constexpr auto table = openEnumTable<Enum>("BasicDeviceType", 2,
-                                           {{unknown, "unknown"},
-                                            {controller, "controller"},
-                                            {staticController, "staticController"},
-                                            {slave, "slave"},
-                                            {routingSlave, "routingSlave"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>().open(2))
 
 } // namespace zorv::BasicDeviceType

@@ -1,14 +1,9 @@
 #include "platform/libzorvshared/CommandClassAttribs.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 
 namespace zorv::CommandClassAttribs {
 
-namespace {
-constexpr auto table = flagTable<Enum>("CommandClassAttribs", "none",
-                                       {{supported, "supported"}, {controlled, "controlled"}, {secure, "secure"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>().emptySet("none"))
 
 } // namespace zorv::CommandClassAttribs

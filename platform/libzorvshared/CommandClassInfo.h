@@ -1,13 +1,13 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/RecordOf.h"
+#include "platform/libtransport/tables/ValueRecord.h"
 #include "platform/libzorvshared/CommandClassAttribs.h"
 
 namespace zorv {
 
 /// What is known of one command class of one node.
-class ZORV_EXPORT CommandClassInfo : public RecordOf<CommandClassInfo> {
+class ZORV_EXPORT CommandClassInfo : public ValueRecord<CommandClassInfo> {
 public:
     CommandClassInfo() noexcept : CommandClassInfo(0, {}) {}
     CommandClassInfo(unsigned char classVersion, CommandClassAttribs::Enum attribs) noexcept
@@ -18,13 +18,13 @@ public:
     CommandClassAttribs::Enum attribs() const noexcept { return attribs_; }
 
 private:
-    friend RecordOf;
+    friend ValueRecord;
     struct Wire;
 
     unsigned char classVersion_;
     CommandClassAttribs::Enum attribs_;
 };
 
-extern template class RecordOf<CommandClassInfo>;
+extern template class ValueRecord<CommandClassInfo>;
 
 } // namespace zorv

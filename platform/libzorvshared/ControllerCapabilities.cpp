@@ -1,19 +1,9 @@
 #include "platform/libzorvshared/ControllerCapabilities.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 
 namespace zorv::ControllerCapabilities {
 
-namespace {
-constexpr auto table = flagTable<Enum>("ControllerCapabilities", "none",
-                                       {{secondary, "secondary"},
-                                        {onOtherNetwork, "onOtherNetwork"},
-                                        {sisPresent, "sisPresent"},
-                                        {wasRealPrimary, "wasRealPrimary"},
-                                        {suc, "suc"},
-                                        {noNodesIncluded, "noNodesIncluded"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>().emptySet("none"))
 
 } // namespace zorv::ControllerCapabilities

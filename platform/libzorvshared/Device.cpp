@@ -1,6 +1,6 @@
 #include "platform/libzorvshared/Device.h"
 
-#include "platform/libtransport/FramedOfImpl.h"
+#include "platform/libtransport/tables/FramedRecordImpl.h"
 #include "transport/displayRow.h"
 
 namespace zorv {
@@ -9,19 +9,19 @@ std::string const Device::NAME("Device");
 SerialRegistrar const Device::registrar("zorv::" + NAME, &Device::serialFactory);
 
 struct Device::Wire {
-    static constexpr auto members = std::make_tuple(
-        member("address_", &Device::address_, "the node"), //
-        member("deviceInfo_", &Device::deviceInfo_, "what the node is"),
-        member("deviceNetworkStatus_", &Device::deviceNetworkStatus_, "whether the node can be reached"),
-        member("deviceStatus_", &Device::deviceStatus_, "how far the daemon is with the node"),
-        member("deviceLights_", &Device::deviceLights_, "what the node's lights show"),
-        member("securityStatus_", &Device::securityStatus_, "with which security the node was included"),
-        member("wakeStatus_", &Device::wakeStatus_, "whether a sleeping node is awake"),
-        member("commandClasses_", &Device::commandClasses_, "what the node understands"),
-        member("configErrors_", &Device::configErrors_, "number of failed steps of the interview"));
+    static constexpr auto members =
+        std::make_tuple(member<&Device::address_>("the node"), //
+                        member<&Device::deviceInfo_>("what the node is"),
+                        member<&Device::deviceNetworkStatus_>("whether the node can be reached"),
+                        member<&Device::deviceStatus_>("how far the daemon is with the node"),
+                        member<&Device::deviceLights_>("what the node's lights show"),
+                        member<&Device::securityStatus_>("with which security the node was included"),
+                        member<&Device::wakeStatus_>("whether a sleeping node is awake"),
+                        member<&Device::commandClasses_>("what the node understands"),
+                        member<&Device::configErrors_>("number of failed steps of the interview"));
 };
 
-template class FramedOf<Device>;
+template class FramedRecord<Device>;
 
 void Device::accumulateDisplay(StringVecVec& rows) const {
     displayRow(rows, "Address:", address_.address());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/FramedOf.h"
+#include "platform/libtransport/tables/FramedRecord.h"
 #include "platform/libzorvshared/CommandClassInfo.h"
 #include "platform/libzorvshared/CommandClassType.h"
 #include "platform/libzorvshared/DeviceInfo.h"
@@ -22,7 +22,9 @@ namespace zorv {
 using CommandClassMap = std::map<CommandClassType::Enum, CommandClassInfo>;
 
 /// One node of the network, as the daemon knows it.
-class ZORV_EXPORT Device : public FramedOf<Device>, public CliViewer, public boost::enable_shared_from_this<Device> {
+class ZORV_EXPORT Device : public FramedRecord<Device>,
+                           public CliViewer,
+                           public boost::enable_shared_from_this<Device> {
 public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
@@ -64,7 +66,7 @@ public:
     void accumulateDisplay(StringVecVec& rows) const override;
 
 private:
-    friend FramedOf;
+    friend FramedRecord;
     struct Wire;
 
     ZwaveAddress address_;
@@ -78,6 +80,6 @@ private:
     int configErrors_ = 0;
 };
 
-extern template class FramedOf<Device>;
+extern template class FramedRecord<Device>;
 
 } // namespace zorv

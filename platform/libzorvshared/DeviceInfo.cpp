@@ -1,6 +1,6 @@
 #include "platform/libzorvshared/DeviceInfo.h"
 
-#include "platform/libtransport/RecordOfImpl.h"
+#include "platform/libtransport/tables/ValueRecordImpl.h"
 #include "transport/displayRow.h"
 
 namespace zorv {
@@ -8,13 +8,13 @@ namespace zorv {
 struct DeviceInfo::Wire {
     static constexpr auto name = "DeviceInfo";
     static constexpr auto members =
-        std::make_tuple(member("manufacturer_", &DeviceInfo::manufacturer_, "maker and product"),
-                        member("protocolInfo_", &DeviceInfo::protocolInfo_, "what the device can do on the network"),
-                        member("isSlave_", &DeviceInfo::isSlave_, "whether it is no controller"),
-                        member("isVirtual_", &DeviceInfo::isVirtual_, "whether a bridge controller plays it"));
+        std::make_tuple(member<&DeviceInfo::manufacturer_>("maker and product"),
+                        member<&DeviceInfo::protocolInfo_>("what the device can do on the network"),
+                        member<&DeviceInfo::isSlave_>("whether it is no controller"),
+                        member<&DeviceInfo::isVirtual_>("whether a bridge controller plays it"));
 };
 
-template class RecordOf<DeviceInfo>;
+template class ValueRecord<DeviceInfo>;
 
 bool DeviceInfo::isListening() const noexcept { return (protocolInfo_.capability() & Capability::listening) != 0; }
 

@@ -6,7 +6,7 @@
 namespace zorv {
 
 /// What a device is: its maker, what it can do on the network, and which part it plays there.
-class ZORV_EXPORT DeviceInfo : public RecordOf<DeviceInfo>, public CliViewer {
+class ZORV_EXPORT DeviceInfo : public ValueRecord<DeviceInfo>, public CliViewer {
 public:
     DeviceInfo() = default;
     DeviceInfo(Manufacturer const& manufacturer, NodeProtocolInfo const& protocolInfo, bool isSlave, bool isVirtual)
@@ -32,7 +32,7 @@ public:
     void accumulateDisplay(StringVecVec& rows) const override;
 
 private:
-    friend RecordOf;
+    friend ValueRecord;
     struct Wire;
 
     Manufacturer manufacturer_;
@@ -41,6 +41,6 @@ private:
     bool isVirtual_ = false;
 };
 
-extern template class RecordOf<DeviceInfo>;
+extern template class ValueRecord<DeviceInfo>;
 
 } // namespace zorv

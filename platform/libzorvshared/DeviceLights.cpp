@@ -1,15 +1,9 @@
 #include "platform/libzorvshared/DeviceLights.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::DeviceLights {
 
-namespace {
-constexpr auto table = enumTable<Enum>(
-    "DeviceLights",
-    {{off, "off"}, {on, "on"}, {blinking, "blinking"}, {blinkingFast, "blinkingFast"}, {unknown, "unknown"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::DeviceLights

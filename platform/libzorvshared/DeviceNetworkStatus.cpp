@@ -1,14 +1,9 @@
 #include "platform/libzorvshared/DeviceNetworkStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::DeviceNetworkStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>(
-    "DeviceNetworkStatus", {{unknown, "unknown"}, {online, "online"}, {offline, "offline"}, {failed, "failed"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::DeviceNetworkStatus

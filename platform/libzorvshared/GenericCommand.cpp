@@ -1,6 +1,6 @@
 #include "platform/libzorvshared/GenericCommand.h"
 
-#include "platform/libtransport/MemberTable.h"
+#include "platform/libtransport/tables/MemberTable.h"
 
 namespace zorv {
 

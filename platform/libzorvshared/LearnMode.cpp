@@ -1,16 +1,9 @@
 #include "platform/libzorvshared/LearnMode.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::LearnMode {
 
-namespace {
-constexpr auto table = enumTable<Enum>("LearnMode", {{disabled, "disabled"},
-                                                     {classic, "classic"},
-                                                     {networkWideInclusion, "networkWideInclusion"},
-                                                     {networkWideExclusion, "networkWideExclusion"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::LearnMode

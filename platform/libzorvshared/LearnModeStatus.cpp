@@ -1,15 +1,9 @@
 #include "platform/libzorvshared/LearnModeStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::LearnModeStatus {
 
-namespace {
-constexpr auto table =
-    enumTable<Enum>("LearnModeStatus",
-                    {{none, "none"}, {started, "started"}, {done, "done"}, {failed, "failed"}, {deleted, "deleted"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::LearnModeStatus

@@ -1,7 +1,7 @@
 #include "platform/libzorvshared/Manufacturer.h"
 
-#include "platform/libtransport/RecordOfImpl.h"
 #include "platform/libtransport/format16Bits.h"
+#include "platform/libtransport/tables/ValueRecordImpl.h"
 #include "transport/displayRow.h"
 
 namespace zorv {
@@ -9,12 +9,12 @@ namespace zorv {
 struct Manufacturer::Wire {
     static constexpr auto name = "Manufacturer";
     static constexpr auto members =
-        std::make_tuple(member("manufacturerId_", &Manufacturer::manufacturerId_, "who made the device"),
-                        member("productType_", &Manufacturer::productType_, "product line of the manufacturer"),
-                        member("productId_", &Manufacturer::productId_, "product of that line"));
+        std::make_tuple(member<&Manufacturer::manufacturerId_>("who made the device"),
+                        member<&Manufacturer::productType_>("product line of the manufacturer"),
+                        member<&Manufacturer::productId_>("product of that line"));
 };
 
-template class RecordOf<Manufacturer>;
+template class ValueRecord<Manufacturer>;
 
 std::string Manufacturer::searchType() const {
     return format16Bits(static_cast<unsigned short>(manufacturerId_), false) + ':' + format16Bits(productType_, false) +

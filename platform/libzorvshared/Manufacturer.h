@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/RecordOf.h"
+#include "platform/libtransport/tables/ValueRecord.h"
 #include "platform/libzorvshared/ManufacturerId.h"
 #include "transport/CliViewer.h"
 
@@ -10,7 +10,7 @@
 namespace zorv {
 
 /// Who made a device, and which of their products it is; the numbers are those that the device reports.
-class ZORV_EXPORT Manufacturer : public RecordOf<Manufacturer> {
+class ZORV_EXPORT Manufacturer : public ValueRecord<Manufacturer> {
 public:
     Manufacturer() noexcept : Manufacturer(ManufacturerId::unknown, 0, 0) {}
     Manufacturer(ManufacturerId::Enum manufacturerId, unsigned short productType, unsigned short productId) noexcept
@@ -31,7 +31,7 @@ public:
     void accumulateDisplay(StringVecVec& rows) const;
 
 private:
-    friend RecordOf;
+    friend ValueRecord;
     struct Wire;
 
     ManufacturerId::Enum manufacturerId_;
@@ -40,6 +40,6 @@ private:
     std::string prefix_; // of the labels; does not travel
 };
 
-extern template class RecordOf<Manufacturer>;
+extern template class ValueRecord<Manufacturer>;
 
 } // namespace zorv

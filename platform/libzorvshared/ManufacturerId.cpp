@@ -1,13 +1,9 @@
 #include "platform/libzorvshared/ManufacturerId.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::ManufacturerId {
 
-namespace {
-constexpr auto table = openEnumTable<Enum>("ManufacturerId", 4, {{unknown, "unknown"}, {zorv, "zorv"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum, zorv>().open(4))
 
 } // namespace zorv::ManufacturerId

@@ -1,21 +1,21 @@
 #include "platform/libzorvshared/NodeProtocolInfo.h"
 
-#include "platform/libtransport/RecordOfImpl.h"
+#include "platform/libtransport/tables/ValueRecordImpl.h"
 #include "transport/displayRow.h"
 
 namespace zorv {
 
 struct NodeProtocolInfo::Wire {
     static constexpr auto name = "NodeProtocolInfo";
-    static constexpr auto members = std::make_tuple(
-        member("capability_", &NodeProtocolInfo::capability_, "whether it listens and routes, how fast it is"),
-        member("security_", &NodeProtocolInfo::security_, "security, and how the node is woken"),
-        member("basicDeviceType_", &NodeProtocolInfo::basicDeviceType_, "controller or slave"),
-        member("genericDeviceType_", &NodeProtocolInfo::genericDeviceType_, "what kind of device it is"),
-        member("specificDeviceType_", &NodeProtocolInfo::specificDeviceType_, "kind within the generic type"));
+    static constexpr auto members =
+        std::make_tuple(member<&NodeProtocolInfo::capability_>("whether it listens and routes, how fast it is"),
+                        member<&NodeProtocolInfo::security_>("security, and how the node is woken"),
+                        member<&NodeProtocolInfo::basicDeviceType_>("controller or slave"),
+                        member<&NodeProtocolInfo::genericDeviceType_>("what kind of device it is"),
+                        member<&NodeProtocolInfo::specificDeviceType_>("kind within the generic type"));
 };
 
-template class RecordOf<NodeProtocolInfo>;
+template class ValueRecord<NodeProtocolInfo>;
 
 void NodeProtocolInfo::accumulateDisplay(StringVecVec& rows) const {
     displayRow(rows, "Capability:", capability_);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/RecordOf.h"
+#include "platform/libtransport/tables/ValueRecord.h"
 #include "platform/libzorvshared/BasicDeviceType.h"
 #include "platform/libzorvshared/Capability.h"
 #include "platform/libzorvshared/GenericDeviceType.h"
@@ -12,7 +12,7 @@
 namespace zorv {
 
 /// What the controller's node table says a node can do: the node's capability and security bytes and its device types.
-class ZORV_EXPORT NodeProtocolInfo : public RecordOf<NodeProtocolInfo>, public CliViewer {
+class ZORV_EXPORT NodeProtocolInfo : public ValueRecord<NodeProtocolInfo>, public CliViewer {
 public:
     NodeProtocolInfo() = default;
     NodeProtocolInfo(Capability::Enum capability, Security::Enum security, BasicDeviceType::Enum basicDeviceType,
@@ -33,7 +33,7 @@ public:
     void accumulateDisplay(StringVecVec& rows) const override;
 
 private:
-    friend RecordOf;
+    friend ValueRecord;
     struct Wire;
 
     Capability::Enum capability_ = {};
@@ -43,6 +43,6 @@ private:
     SpecificDeviceType::Enum specificDeviceType_ = SpecificDeviceType::notUsed;
 };
 
-extern template class RecordOf<NodeProtocolInfo>;
+extern template class ValueRecord<NodeProtocolInfo>;
 
 } // namespace zorv

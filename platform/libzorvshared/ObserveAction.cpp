@@ -1,13 +1,9 @@
 #include "platform/libzorvshared/ObserveAction.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::ObserveAction {
 
-namespace {
-constexpr auto table = enumTable<Enum>("ObserveAction", {{none, "none"}, {start, "start"}, {stop, "stop"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::ObserveAction

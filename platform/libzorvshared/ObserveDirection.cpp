@@ -1,13 +1,9 @@
 #include "platform/libzorvshared/ObserveDirection.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::ObserveDirection {
 
-namespace {
-constexpr auto table = enumTable<Enum>("ObserveDirection", {{none, "none"}, {received, "received"}, {sent, "sent"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::ObserveDirection

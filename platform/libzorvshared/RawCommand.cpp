@@ -1,6 +1,6 @@
 #include "platform/libzorvshared/RawCommand.h"
 
-#include "platform/libtransport/FramedOfImpl.h"
+#include "platform/libtransport/tables/FramedRecordImpl.h"
 
 namespace zorv {
 
@@ -9,9 +9,9 @@ SerialRegistrar const RawCommand::registrar("zorv::" + NAME, &RawCommand::serial
 
 struct RawCommand::Wire {
     static constexpr auto members =
-        std::make_tuple(member("data_", &RawCommand::data_, "command class, command and parameters"));
+        std::make_tuple(member<&RawCommand::data_>("command class, command and parameters"));
 };
 
-template class FramedOf<RawCommand, GenericCommand>;
+template class FramedRecord<RawCommand, GenericCommand>;
 
 } // namespace zorv

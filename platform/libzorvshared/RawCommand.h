@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/FramedOf.h"
+#include "platform/libtransport/tables/FramedRecord.h"
 #include "platform/libzorvshared/GenericCommand.h"
 
 #include <string>
@@ -8,7 +8,7 @@
 namespace zorv {
 
 /// A command that is kept as the bytes in which it was received, or is to be sent.
-class ZORV_EXPORT RawCommand : public FramedOf<RawCommand, GenericCommand> {
+class ZORV_EXPORT RawCommand : public FramedRecord<RawCommand, GenericCommand> {
 public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
@@ -19,12 +19,12 @@ public:
     std::vector<unsigned char> bytes() const override { return data_; }
 
 private:
-    friend FramedOf;
+    friend FramedRecord;
     struct Wire;
 
     std::vector<unsigned char> data_; // command class, command, parameters
 };
 
-extern template class FramedOf<RawCommand, GenericCommand>;
+extern template class FramedRecord<RawCommand, GenericCommand>;
 
 } // namespace zorv

@@ -1,14 +1,9 @@
 #include "platform/libzorvshared/RequestNeighborUpdateStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::RequestNeighborUpdateStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("RequestNeighborUpdateStatus",
-                                       {{none, "none"}, {started, "started"}, {done, "done"}, {failed, "failed"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::RequestNeighborUpdateStatus

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/EnumDeclaration.h"
+#include "platform/libtransport/tables/EnumDeclaration.h"
 
 namespace zorv {
 

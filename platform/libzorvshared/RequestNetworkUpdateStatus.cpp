@@ -1,15 +1,9 @@
 #include "platform/libzorvshared/RequestNetworkUpdateStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::RequestNetworkUpdateStatus {
 
-namespace {
-constexpr auto table =
-    enumTable<Enum>("RequestNetworkUpdateStatus",
-                    {{done, "done"}, {abort, "abort"}, {wait, "wait"}, {disabled, "disabled"}, {overflow, "overflow"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::RequestNetworkUpdateStatus

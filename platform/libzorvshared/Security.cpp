@@ -1,21 +1,9 @@
 #include "platform/libzorvshared/Security.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 
 namespace zorv::Security {
 
-namespace {
-constexpr auto table = flagTable<Enum>("Security", "none",
-                                       {{security, "security"},
-                                        {controller, "controller"},
-                                        {specificDeviceType, "specificDeviceType"},
-                                        {routingSlave, "routingSlave"},
-                                        {beamCapability, "beamCapability"},
-                                        {sensor250ms, "sensor250ms"},
-                                        {sensor1000ms, "sensor1000ms"},
-                                        {optionalFunctionality, "optionalFunctionality"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>().emptySet("none"))
 
 } // namespace zorv::Security

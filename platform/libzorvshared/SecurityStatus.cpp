@@ -1,20 +1,9 @@
 #include "platform/libzorvshared/SecurityStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::SecurityStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("SecurityStatus", {{unknown, "unknown"},
-                                                          {insecure, "insecure"},
-                                                          {bootstrapping, "bootstrapping"},
-                                                          {s0, "s0"},
-                                                          {s2Unauthenticated, "s2Unauthenticated"},
-                                                          {s2Authenticated, "s2Authenticated"},
-                                                          {s2AccessControl, "s2AccessControl"},
-                                                          {failed, "failed"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::SecurityStatus

@@ -1,20 +1,20 @@
 #include "platform/libzorvshared/SerialCapabilities.h"
 
-#include "platform/libtransport/RecordOfImpl.h"
+#include "platform/libtransport/tables/ValueRecordImpl.h"
 
 namespace zorv {
 
 struct SerialCapabilities::Wire {
     static constexpr auto name = "SerialCapabilities";
     static constexpr auto members =
-        std::make_tuple(member("apiVersion_", &SerialCapabilities::apiVersion_, "version of the serial interface"),
-                        member("apiRevision_", &SerialCapabilities::apiRevision_, "revision of that version"),
-                        member("manufacturerId_", &SerialCapabilities::manufacturerId_, "who made the chip"),
-                        member("productType_", &SerialCapabilities::productType_, "product line of the chip"),
-                        member("productId_", &SerialCapabilities::productId_, "product of that line"),
-                        member("commands_", &SerialCapabilities::commands_, "functions that the module supports"));
+        std::make_tuple(member<&SerialCapabilities::apiVersion_>("version of the serial interface"),
+                        member<&SerialCapabilities::apiRevision_>("revision of that version"),
+                        member<&SerialCapabilities::manufacturerId_>("who made the chip"),
+                        member<&SerialCapabilities::productType_>("product line of the chip"),
+                        member<&SerialCapabilities::productId_>("product of that line"),
+                        member<&SerialCapabilities::commands_>("functions that the module supports"));
 };
 
-template class RecordOf<SerialCapabilities>;
+template class ValueRecord<SerialCapabilities>;
 
 } // namespace zorv

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/RecordOf.h"
+#include "platform/libtransport/tables/ValueRecord.h"
 #include "platform/libzorvshared/ManufacturerId.h"
 #include "platform/libzorvshared/ZwApiCommand.h"
 
@@ -10,7 +10,7 @@
 namespace zorv {
 
 /// The module's answer to the question what its serial interface can do.
-class ZORV_EXPORT SerialCapabilities : public RecordOf<SerialCapabilities> {
+class ZORV_EXPORT SerialCapabilities : public ValueRecord<SerialCapabilities> {
 public:
     SerialCapabilities() = default;
     SerialCapabilities(unsigned char apiVersion, unsigned char apiRevision, ManufacturerId::Enum manufacturerId,
@@ -31,7 +31,7 @@ public:
     std::vector<ZwApiCommand::Enum> const& commands() const noexcept { return commands_; }
 
 private:
-    friend RecordOf;
+    friend ValueRecord;
     struct Wire;
 
     unsigned char apiVersion_ = 0;
@@ -42,6 +42,6 @@ private:
     std::vector<ZwApiCommand::Enum> commands_;
 };
 
-extern template class RecordOf<SerialCapabilities>;
+extern template class ValueRecord<SerialCapabilities>;
 
 } // namespace zorv

@@ -1,13 +1,9 @@
 #include "platform/libzorvshared/SocketActor.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::SocketActor {
 
-namespace {
-constexpr auto table = enumTable<Enum>("SocketActor", {{none, "none"}, {client, "client"}, {server, "server"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::SocketActor

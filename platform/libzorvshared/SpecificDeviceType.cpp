@@ -1,13 +1,9 @@
 #include "platform/libzorvshared/SpecificDeviceType.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::SpecificDeviceType {
 
-namespace {
-constexpr auto table = openEnumTable<Enum>("SpecificDeviceType", 2, {{notUsed, "notUsed"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>().open(2))
 
 } // namespace zorv::SpecificDeviceType

@@ -1,18 +1,9 @@
 #include "platform/libzorvshared/SystemStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::SystemStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("SystemStatus", {{unknown, "unknown"},
-                                                        {starting, "starting"},
-                                                        {ready, "ready"},
-                                                        {degraded, "degraded"},
-                                                        {updating, "updating"},
-                                                        {stopping, "stopping"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::SystemStatus

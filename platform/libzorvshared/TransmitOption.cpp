@@ -1,15 +1,9 @@
 #include "platform/libzorvshared/TransmitOption.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 
 namespace zorv::TransmitOption {
 
-namespace {
-constexpr auto table = flagTable<Enum>(
-    "TransmitOption", "none",
-    {{ack, "ack"}, {lowPower, "lowPower"}, {autoRoute, "autoRoute"}, {noRoute, "noRoute"}, {explore, "explore"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>().emptySet("none"))
 
 } // namespace zorv::TransmitOption

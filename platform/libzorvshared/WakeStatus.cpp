@@ -1,13 +1,9 @@
 #include "platform/libzorvshared/WakeStatus.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 namespace zorv::WakeStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("WakeStatus", {{unknown, "unknown"}, {awake, "awake"}, {asleep, "asleep"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace zorv::WakeStatus

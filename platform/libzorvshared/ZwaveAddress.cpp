@@ -1,7 +1,7 @@
 #include "platform/libzorvshared/ZwaveAddress.h"
 
-#include "platform/libtransport/RecordOfImpl.h"
 #include "platform/libtransport/hexDigits.h"
+#include "platform/libtransport/tables/ValueRecordImpl.h"
 
 #include <boost/container_hash/hash.hpp>
 
@@ -9,12 +9,12 @@ namespace zorv {
 
 struct ZwaveAddress::Wire {
     static constexpr auto name = "ZwaveAddress";
-    static constexpr auto members = std::make_tuple(
-        member("homeId_", &ZwaveAddress::homeId_, "home id of the network"),
-        member("nodeId_", &ZwaveAddress::nodeId_, "node id; 1 to 232 are nodes, 255 stands for all of them"));
+    static constexpr auto members =
+        std::make_tuple(member<&ZwaveAddress::homeId_>("home id of the network"),
+                        member<&ZwaveAddress::nodeId_>("node id; 1 to 232 are nodes, 255 stands for all of them"));
 };
 
-template class RecordOf<ZwaveAddress>;
+template class ValueRecord<ZwaveAddress>;
 
 ZwaveAddress const ZwaveAddress::INVALID_ADDRESS;
 

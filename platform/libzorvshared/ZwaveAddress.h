@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/libtransport/RecordOf.h"
+#include "platform/libtransport/tables/ValueRecord.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +13,7 @@ namespace zorv {
 using HomeId = std::uint32_t;
 
 /// A node of a Z-Wave network. Node ids 1 to 232 are nodes, 255 stands for all of them.
-class ZORV_EXPORT ZwaveAddress : public RecordOf<ZwaveAddress> {
+class ZORV_EXPORT ZwaveAddress : public ValueRecord<ZwaveAddress> {
 public:
     /// The address of no node: home id 0, node id 0.
     static ZwaveAddress const INVALID_ADDRESS;
@@ -39,13 +39,13 @@ public:
     friend std::size_t hash_value(ZwaveAddress const& address) noexcept { return address.hash(); }
 
 private:
-    friend RecordOf;
+    friend ValueRecord;
     struct Wire;
 
     HomeId homeId_;
     unsigned char nodeId_;
 };
 
-extern template class RecordOf<ZwaveAddress>;
+extern template class ValueRecord<ZwaveAddress>;
 
 } // namespace zorv

@@ -126,7 +126,10 @@ std::vector<BadValue> badValues(MemberDescriptor const& member) {
         return bad;
     }
     case Kind::number: return badTypes(key, "number", {"1", true, null, emptyArray, emptyObject});
-    case Kind::text: return badTypes(key, "string", {1, true, null, emptyArray, emptyObject});
+    case Kind::text:
+    case Kind::timeStamp:
+    case Kind::uuid:
+    case Kind::endpoint: return badTypes(key, "string", {1, true, null, emptyArray, emptyObject});
     case Kind::enumeration:
     case Kind::openSet: {
         auto bad = badTypes(key, "string", {1, true, null, emptyArray, emptyObject});

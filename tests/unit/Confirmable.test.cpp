@@ -47,11 +47,10 @@ SerialRegistrar const SampleMsg::registrar("zorv::" + NAME, &SampleMsg::serialFa
 
 struct SampleMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("flag_", &SampleMsg::flag_, ""), member("ratio_", &SampleMsg::ratio_, ""),
-                        member("text_", &SampleMsg::text_, ""), member("texts_", &SampleMsg::texts_, ""),
-                        member("rows_", &SampleMsg::rows_, ""), member("octets_", &SampleMsg::octets_, ""),
-                        member("addresses_", &SampleMsg::addresses_, ""), member("pings_", &SampleMsg::pings_, ""),
-                        member("pingOfNode_", &SampleMsg::pingOfNode_, ""), member("ping_", &SampleMsg::ping_, ""));
+        std::make_tuple(member<&SampleMsg::flag_>(""), member<&SampleMsg::ratio_>(""), member<&SampleMsg::text_>(""),
+                        member<&SampleMsg::texts_>(""), member<&SampleMsg::rows_>(""), member<&SampleMsg::octets_>(""),
+                        member<&SampleMsg::addresses_>(""), member<&SampleMsg::pings_>(""),
+                        member<&SampleMsg::pingOfNode_>(""), member<&SampleMsg::ping_>(""));
 };
 
 template class MessageOf<SampleMsg, Confirmable>;

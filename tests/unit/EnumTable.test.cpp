@@ -1,14 +1,19 @@
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 
 #include "platform/libtransport/SerialValue.h"
+#include "platform/libtransport/tables/FlagTable.h"
+#include "platform/libtransport/throwInvalidEnum.h"
 #include "tests/unit/wire.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <iomanip>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 // Enumerations of every kind, defined as the messages define theirs.
@@ -21,8 +26,7 @@ enum Enum : int { invalid, add, remove };
 ZORV_ENUM_DECLARE()
 ZORV_ENUM_DECLARE_HEX()
 
-constexpr auto table = enumTable<Enum>("AddRemoveOp", {{invalid, "invalid"}, {add, "add"}, {remove, "remove"}});
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 ZORV_ENUM_DEFINE_HEX
 
 } // namespace AddRemoveOp
@@ -32,9 +36,7 @@ namespace FrameCast {
 enum Enum : int { singlecast = 0, broadcast = 4, multicast = 8 };
 ZORV_ENUM_DECLARE()
 
-constexpr auto table =
-    enumTable<Enum>("FrameCast", {{singlecast, "singlecast"}, {broadcast, "broadcast"}, {multicast, "multicast"}});
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace FrameCast
 
@@ -43,8 +45,7 @@ namespace Maker {
 enum Enum : int { unknown = 0, zorv = 575 };
 ZORV_ENUM_DECLARE()
 
-constexpr auto table = openEnumTable<Enum>("Maker", 4, {{unknown, "unknown"}, {zorv, "zorv"}});
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum, zorv>().open(4))
 
 } // namespace Maker
 
@@ -53,26 +54,50 @@ namespace Detail {
 enum Enum : int { noDetail = 0, lost = 1, late = 2, timeout = 32 };
 ZORV_ENUM_DECLARE()
 
-constexpr auto table = flagTable<Enum>("Detail", "noDetail", {{lost, "lost"}, {late, "late"}, {timeout, "timeout"}});
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>())
 
 } // namespace Detail
 
 namespace ReceivedStatus {
 
-enum Enum : int { routedBusy = 1, lowPower = 2, explore = 16, foreignFrame = 64 };
+enum Enum : int { routedBusy = 1, lowPower = 2, castMask = 0x0C, explore = 16, foreignFrame = 64 };
 ZORV_ENUM_DECLARE()
 
-constexpr auto table = flagTable<Enum>(
-    "ReceivedStatus", "ReceiveStatus", "none",
-    {{routedBusy, "routedBusy"}, {lowPower, "lowPower"}, {explore, "explore"}, {foreignFrame, "foreignFrame"}},
-    flagField<0x0C>(FrameCast::table));
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>().namedOnReading("ReceiveStatus").emptySet("none").field(castMask, FrameCast::table))
 
 } // namespace ReceivedStatus
 
-enum Colour : int { red, green, blue };
-enum Bit : int { one = 1, two = 2, four = 4 };
+namespace Answer {
+
+enum Enum : int { unset = -1, no, yes, erase = 7, last = 255, far = 1000, farther = 70000 };
+ZORV_ENUM_DECLARE()
+
+ZORV_ENUM_DEFINE((enumTable<Enum, far, farther>().named("Reply").with(erase, "delete")))
+
+} // namespace Answer
+
+namespace Wide {
+
+enum Enum : int { low = 1, high = 1 << 30 };
+ZORV_ENUM_DECLARE()
+
+ZORV_ENUM_DEFINE(flagTable<Enum>().emptySet("nothing"))
+
+} // namespace Wide
+
+namespace Command {
+
+enum Enum : int { none };
+ZORV_ENUM_DECLARE()
+
+ZORV_ENUM_DEFINE(enumTable<Enum>().open(2, 8))
+
+} // namespace Command
+
+enum Colour : int { red, green, blue, crimson = red };
+enum Void : int {};
+enum Far : int { near, far = 1000, farther = 2000 };
+enum Bit : int { one = 1, two = 2, four = 4, six = 6 };
 
 } // namespace zorv::sample
 
@@ -81,6 +106,11 @@ namespace {
 
 using sample::Bit;
 using sample::Colour;
+using sample::Far;
+namespace Answer = sample::Answer;
+namespace Command = sample::Command;
+namespace Wide = sample::Wide;
+using testing::Pair;
 namespace AddRemoveOp = sample::AddRemoveOp;
 namespace FrameCast = sample::FrameCast;
 namespace Maker = sample::Maker;
@@ -96,6 +126,12 @@ template <class Enum> Refusal refusalOfWord(std::string const& text) {
         Enum value;
         parse(text, value);
     });
+}
+
+template <class Enum> std::vector<std::pair<int, std::string>> textsOf() {
+    std::vector<std::pair<int, std::string>> texts;
+    for (auto const& each : describe(Enum()).texts) { texts.emplace_back(each.value, each.text); }
+    return texts;
 }
 
 template <class Enum> std::string written(Enum value) {
@@ -232,39 +268,83 @@ TEST(EnumTable, DescribesItsTexts) {
     EXPECT_EQ(type.texts[2].text, "remove");
 }
 
-// ---- what does not compile as a table
-
-TEST(EnumTable, ATableThatMissesADeclaredValueIsIncomplete) {
-    constexpr auto last = enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::green, "green"}});
-    constexpr auto middle = enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::blue, "blue"}});
-    constexpr auto all =
-        enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::green, "green"}, {sample::blue, "blue"}});
-    EXPECT_FALSE(last.isComplete<last.numbersToProve()>());
-    EXPECT_FALSE(middle.isComplete<middle.numbersToProve()>());
-    EXPECT_TRUE(all.isComplete<all.numbersToProve()>());
+TEST(EnumTable, ReadsAWordWholeWhateverTheWidthOfTheStream) {
+    std::istringstream is("remove add");
+    auto value = AddRemoveOp::invalid;
+    is >> std::setw(3) >> value;
+    EXPECT_EQ(value, AddRemoveOp::remove);
+    EXPECT_EQ(is.width(), 0);
 }
 
-TEST(EnumTable, ATableWithAValueThatIsNotDeclaredIsRefused) {
-    constexpr auto table = enumTable<Colour>(
-        "Colour",
-        {{sample::red, "red"}, {sample::green, "green"}, {sample::blue, "blue"}, {static_cast<Colour>(3), "violet"}});
-    EXPECT_FALSE(table.isComplete<table.numbersToProve()>());
+TEST(EnumTable, AppendsTheTextToWhatIsThere) {
+    std::string text = "op=";
+    appendText(text, AddRemoveOp::add);
+    EXPECT_EQ(text, "op=add");
 }
 
-TEST(EnumTable, ATableOutOfOrderOrWithATextTwiceOrEmptyIsRefused) {
-    EXPECT_FALSE(enumTable<Colour>("Colour", {{sample::green, "green"}, {sample::red, "red"}}).isOrderly());
-    EXPECT_FALSE(enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::red, "rouge"}}).isOrderly());
-    EXPECT_FALSE(enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::green, "red"}}).isOrderly());
-    EXPECT_FALSE(enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::green, ""}}).isOrderly());
-    EXPECT_TRUE(enumTable<Colour>("Colour", {{sample::red, "red"}, {sample::green, "green"}}).isOrderly());
+TEST(EnumTable, ParsesAPartOfALongerText) {
+    auto value = AddRemoveOp::invalid;
+    parse(std::string_view("removed").substr(0, 6), value);
+    EXPECT_EQ(value, AddRemoveOp::remove);
 }
 
-TEST(FlagTable, ATableThatMissesADeclaredBitIsIncomplete) {
-    constexpr auto part = flagTable<Bit>("Bit", "none", {{sample::one, "one"}, {sample::four, "four"}});
-    constexpr auto all =
-        flagTable<Bit>("Bit", "none", {{sample::one, "one"}, {sample::two, "two"}, {sample::four, "four"}});
-    EXPECT_FALSE(part.isComplete<part.numbersToProve()>());
-    EXPECT_TRUE(all.isComplete<all.numbersToProve()>());
+// ---- how a table comes from its enumeration
+
+TEST(EnumTable, TakesEachEnumeratorOfAByteAndThoseBeyondThatAreNamed) {
+    EXPECT_THAT(textsOf<Answer::Enum>(),
+                testing::ElementsAre(Pair(-1, "unset"), Pair(0, "no"), Pair(1, "yes"), Pair(7, "delete"),
+                                     Pair(255, "last"), Pair(1000, "far"), Pair(70000, "farther")));
+    EXPECT_EQ(toString(Answer::farther), "farther");
+    EXPECT_EQ(Answer::toEnum("farther"), Answer::farther);
+    EXPECT_EQ(toString(Answer::unset), "unset");
+}
+
+TEST(EnumTable, GivesTheFirstOfTwoEnumeratorsWithOneNumberItsText) {
+    constexpr auto table = enumTable<Colour>();
+    static constexpr auto const& rows = Enumerators<Colour, enums::BytesAnd<>>::rows;
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[0].text, "red");
+    EXPECT_TRUE(table.isOrderly());
+}
+
+TEST(EnumTable, IsCalledWhatItsScopeIsCalledOrWhatItIsNamed) {
+    EXPECT_EQ(describe(Maker::Enum()).name, "Maker");
+    EXPECT_EQ(describe(Answer::Enum()).name, "Reply");
+    EXPECT_EQ(enums::name<Colour>.view(), "Colour");
+    EXPECT_EQ(refusalOfValue<Answer::Enum>(2), (Refusal{"InvalidEnumError", "invalid Reply value 2"}));
+    EXPECT_EQ(refusalOfWord<Answer::Enum>("maybe"), (Refusal{"InvalidEnumError", "invalid Reply text \"maybe\""}));
+}
+
+TEST(EnumTable, GivesAValueATextThatCannotBeAnIdentifier) {
+    EXPECT_EQ(toString(Answer::erase), "delete");
+    EXPECT_EQ(Answer::toEnum("delete"), Answer::erase);
+    EXPECT_EQ(refusalOfWord<Answer::Enum>("erase").text, "invalid Reply text \"erase\"");
+}
+
+TEST(EnumTable, WithoutValuesOrWithATextTwiceOrOutOfOrderDoesNotCompile) {
+    EXPECT_FALSE(enumTable<sample::Void>().isOrderly());
+    EXPECT_FALSE(enumTable<Colour>().with(sample::red, "green").isOrderly());
+    EXPECT_FALSE(enumTable<Colour>().with(sample::red, "").isOrderly());
+    EXPECT_FALSE((enumTable<Far, sample::farther, sample::far>().isOrderly()));
+    EXPECT_FALSE((enumTable<Far, sample::near>().isOrderly()));
+    EXPECT_TRUE((enumTable<Far, sample::far, sample::farther>().isOrderly()));
+}
+
+TEST(FlagTable, TakesTheEnumeratorsOfOneBitAsItsFlags) {
+    static constexpr auto const& flags = Enumerators<Bit, enums::Bits>::rows;
+    ASSERT_EQ(flags.size(), 3U);
+    EXPECT_EQ(flags[2].text, "four");
+    EXPECT_EQ(toString(static_cast<Wide::Enum>((1 << 30) | 1)), "low|high");
+    EXPECT_EQ(toString(Wide::Enum()), "nothing");
+}
+
+TEST(FlagTable, WithoutATextOfTheEmptySetOrWithAFlagInItsFieldDoesNotCompile) {
+    static constexpr auto colours = enumTable<Colour>();
+    EXPECT_FALSE(flagTable<Bit>().isOrderly());
+    EXPECT_FALSE(flagTable<Bit>().emptySet("two").isOrderly());
+    EXPECT_FALSE(flagTable<Bit>().emptySet("none").field(4, colours).isOrderly());
+    EXPECT_TRUE(flagTable<Bit>().emptySet("none").isOrderly());
+    EXPECT_TRUE(flagTable<Bit>().emptySet("none").field(8, colours).isOrderly());
 }
 
 // ---- open sets
@@ -292,6 +372,15 @@ TEST(OpenEnumTable, RefusesANumberThatIsTooLarge) {
         EXPECT_EQ(refusalOfWord<Maker::Enum>(text),
                   (Refusal{"InvalidEnumError", "invalid Maker text \"" + std::string(text) + '"'}));
     }
+}
+
+TEST(OpenEnumTable, MayWriteMoreDigitsThanTheLeast) {
+    for (auto const& [number, text] : {std::pair(7, "0x07"), std::pair(0xFF, "0xff"), std::pair(0x100, "0x100"),
+                                       std::pair(0xABCDE, "0xabcde"), std::pair(0x7FFFFFFF, "0x7fffffff")}) {
+        EXPECT_EQ(toString(static_cast<Command::Enum>(number)), text);
+        EXPECT_EQ(static_cast<int>(Command::toEnum(text)), number);
+    }
+    EXPECT_EQ(refusalOfWord<Command::Enum>("0x123456789").text, "invalid Command text \"0x123456789\"");
 }
 
 TEST(OpenEnumTable, RefusesWhatIsNotHex) {

@@ -1,7 +1,7 @@
 #include "platform/libzorvshared/ZwaveAddress.h"
 
 #include "platform/libtransport/Serializer.h"
-#include "platform/libtransport/TypeDescriptor.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "tests/support/errorOf.h"
 #include "tests/support/wire.h"
 

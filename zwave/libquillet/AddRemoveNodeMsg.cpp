@@ -1,6 +1,6 @@
 #include "zwave/libquillet/AddRemoveNodeMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -11,22 +11,18 @@ SerialRegistrar const AddRemoveNodeMsg::registrar("zorv::" + NAME, &AddRemoveNod
 
 namespace AddRemoveOp {
 
-namespace {
-constexpr auto table = enumTable<Enum>("AddRemoveOp", {{invalid, "invalid"}, {add, "add"}, {remove, "remove"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 ZORV_ENUM_DEFINE_HEX
 
 } // namespace AddRemoveOp
 
 struct AddRemoveNodeMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("operation_", &AddRemoveNodeMsg::operation_, "include or exclude a node"),
-                        member("abort_", &AddRemoveNodeMsg::abort_, "give the running operation up"),
-                        member("primary_", &AddRemoveNodeMsg::primary_, "flag that is passed on with the request"),
-                        member("timeout_", &AddRemoveNodeMsg::timeout_, "time-out, in the daemon's unit"),
-                        member("device_", &AddRemoveNodeMsg::device_, "the node that was included or excluded"));
+        std::make_tuple(member<&AddRemoveNodeMsg::operation_>("include or exclude a node"),
+                        member<&AddRemoveNodeMsg::abort_>("give the running operation up"),
+                        member<&AddRemoveNodeMsg::primary_>("flag that is passed on with the request"),
+                        member<&AddRemoveNodeMsg::timeout_>("time-out, in the daemon's unit"),
+                        member<&AddRemoveNodeMsg::device_>("the node that was included or excluded"));
 };
 
 template class MessageOf<AddRemoveNodeMsg, Confirmable>;

@@ -10,7 +10,7 @@ std::string const CliDisplayMsg::NAME("CliDisplayMsg");
 SerialRegistrar const CliDisplayMsg::registrar("zorv::" + NAME, &CliDisplayMsg::serialFactory);
 
 struct CliDisplayMsg::Wire {
-    static constexpr auto members = std::make_tuple(member("data_", &CliDisplayMsg::data_, "rows of cells"));
+    static constexpr auto members = std::make_tuple(member<&CliDisplayMsg::data_>("rows of cells"));
 };
 
 template class MessageOf<CliDisplayMsg, Confirmable>;

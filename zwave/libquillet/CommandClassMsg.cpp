@@ -1,6 +1,6 @@
 #include "zwave/libquillet/CommandClassMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 #include "platform/libzwaved/Zwaved.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
@@ -14,35 +14,23 @@ SerialRegistrar const CommandClassMsg::registrar("zorv::" + NAME, &CommandClassM
 
 namespace FrameCast {
 
-namespace {
-constexpr auto table =
-    enumTable<Enum>("FrameCast", {{singlecast, "singlecast"}, {broadcast, "broadcast"}, {multicast, "multicast"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace FrameCast
 
 namespace ReceivedStatus {
 
-namespace {
 // Peers know the errors of reading under the name that stands here without the "d".
-constexpr auto table = flagTable<Enum>(
-    "ReceivedStatus", "ReceiveStatus", "none",
-    {{routedBusy, "routedBusy"}, {lowPower, "lowPower"}, {explore, "explore"}, {foreignFrame, "foreignFrame"}},
-    flagField<frameCastMask>(FrameCast::table));
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(
+    flagTable<Enum>().namedOnReading("ReceiveStatus").emptySet("none").field(frameCastMask, FrameCast::table))
 ZORV_ENUM_DEFINE_HEX
 
 } // namespace ReceivedStatus
 
 struct CommandClassMsg::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("sourceAddr_", &CommandClassMsg::sourceAddr_, "node that sent the command"),
-                        member("rxStatus_", &CommandClassMsg::rxStatus_, "how the frame was received"),
-                        member("command_", &CommandClassMsg::command_, "command that was received"));
+    static constexpr auto members = std::make_tuple(member<&CommandClassMsg::sourceAddr_>("node that sent the command"),
+                                                    member<&CommandClassMsg::rxStatus_>("how the frame was received"),
+                                                    member<&CommandClassMsg::command_>("command that was received"));
 };
 
 template class MessageOf<CommandClassMsg, TMessage>;

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/ConfigurationMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "platform/libzorvshared/Device.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 
@@ -11,31 +11,14 @@ SerialRegistrar const ConfigurationMsg::registrar("zorv::" + NAME, &Configuratio
 
 namespace ConfigurationStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("ConfigurationStatus", {{unknown, "unknown"},
-                                                               {idle, "idle"},
-                                                               {start, "start"},
-                                                               {commandClasses, "commandClasses"},
-                                                               {version, "version"},
-                                                               {mfg, "mfg"},
-                                                               {security, "security"},
-                                                               {routes, "routes"},
-                                                               {association, "association"},
-                                                               {multichannel, "multichannel"},
-                                                               {wakeUp, "wakeUp"},
-                                                               {zwavePlus, "zwavePlus"},
-                                                               {interrupted, "interrupted"},
-                                                               {finish, "finish"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace ConfigurationStatus
 
 struct ConfigurationMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("operation_", &ConfigurationMsg::operation_, "stage of the node's configuration"),
-                        member("device_", &ConfigurationMsg::device_, "node that is configured"));
+        std::make_tuple(member<&ConfigurationMsg::operation_>("stage of the node's configuration"),
+                        member<&ConfigurationMsg::device_>("node that is configured"));
 };
 
 template class MessageOf<ConfigurationMsg, Confirmable>;

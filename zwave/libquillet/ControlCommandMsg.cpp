@@ -1,6 +1,6 @@
 #include "zwave/libquillet/ControlCommandMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "platform/libzorvshared/ZwApiCommand.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/ZorvError.h"
@@ -14,18 +14,14 @@ SerialRegistrar const ControlCommandMsg::registrar("zorv::" + NAME, &ControlComm
 
 namespace ControlCommandOp {
 
-namespace {
-constexpr auto table = enumTable<Enum>("ControlCommandOp", {{request, "request"}, {response, "response"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 ZORV_ENUM_DEFINE_HEX
 
 } // namespace ControlCommandOp
 
 struct ControlCommandMsg::Wire {
     static constexpr auto members = std::make_tuple(
-        member("data_", &ControlCommandMsg::data_, "the frame: operation, function of the serial interface, payload"));
+        member<&ControlCommandMsg::data_>("the frame: operation, function of the serial interface, payload"));
 };
 
 template class MessageOf<ControlCommandMsg, TMessage>;

@@ -1,8 +1,8 @@
 #include "zwave/libquillet/ControllerInfoMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
 #include "platform/libtransport/format16Bits.h"
 #include "platform/libtransport/format8Bits.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "platform/libzorvshared/KernelX.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
@@ -21,32 +21,27 @@ SerialRegistrar const ControllerInfoMsg::registrar("zorv::" + NAME, &ControllerI
 
 namespace ControllerInfoOption {
 
-namespace {
-constexpr auto table = enumTable<Enum>(
-    "ControllerInfoOption", {{capabilities, "capabilities"}, {commands, "commands"}, {info, "info"}, {all, "all"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace ControllerInfoOption
 
 struct ControllerInfoMsg::Wire {
-    static constexpr auto members = std::make_tuple(
-        member("displayOptions_", &ControllerInfoMsg::displayOptions_, "which sections are shown"),
-        member("moduleType_", &ControllerInfoMsg::moduleType_, "kind of the module"),
-        member("fwVersion_", &ControllerInfoMsg::fwVersion_, "firmware of the module"),
-        member("sucNodeId_", &ControllerInfoMsg::sucNodeId_, "node id of the network's SUC; 0 without one"),
-        member("controllerCapabilities_", &ControllerInfoMsg::controllerCapabilities_, "what the controller can do"),
-        member("controllerRole_", &ControllerInfoMsg::controllerRole_, "the controller's part in its network"),
-        member("serialCapabilities_", &ControllerInfoMsg::serialCapabilities_, "what the serial interface can do"),
-        member("deviceInfo_", &ControllerInfoMsg::deviceInfo_, "the daemon as a device"),
-        member("nodeCount_", &ControllerInfoMsg::nodeCount_, "number of nodes in the network"),
-        member("remoteQueueSize_", &ControllerInfoMsg::remoteQueueSize_, "length of the over-the-air queue"),
-        member("jobsQueueSize_", &ControllerInfoMsg::jobsQueueSize_, "number of jobs in progress"),
-        member("workQueueSize_", &ControllerInfoMsg::workQueueSize_, "length of the message queue"),
-        member("deviceStatus_", &ControllerInfoMsg::deviceStatus_, "the module's status"),
-        member("securityStatus_", &ControllerInfoMsg::securityStatus_, "the network's security"),
-        member("uptime_", &ControllerInfoMsg::uptime_, "since the daemon started, seconds"));
+    static constexpr auto members =
+        std::make_tuple(member<&ControllerInfoMsg::displayOptions_>("which sections are shown"),
+                        member<&ControllerInfoMsg::moduleType_>("kind of the module"),
+                        member<&ControllerInfoMsg::fwVersion_>("firmware of the module"),
+                        member<&ControllerInfoMsg::sucNodeId_>("node id of the network's SUC; 0 without one"),
+                        member<&ControllerInfoMsg::controllerCapabilities_>("what the controller can do"),
+                        member<&ControllerInfoMsg::controllerRole_>("the controller's part in its network"),
+                        member<&ControllerInfoMsg::serialCapabilities_>("what the serial interface can do"),
+                        member<&ControllerInfoMsg::deviceInfo_>("the daemon as a device"),
+                        member<&ControllerInfoMsg::nodeCount_>("number of nodes in the network"),
+                        member<&ControllerInfoMsg::remoteQueueSize_>("length of the over-the-air queue"),
+                        member<&ControllerInfoMsg::jobsQueueSize_>("number of jobs in progress"),
+                        member<&ControllerInfoMsg::workQueueSize_>("length of the message queue"),
+                        member<&ControllerInfoMsg::deviceStatus_>("the module's status"),
+                        member<&ControllerInfoMsg::securityStatus_>("the network's security"),
+                        member<&ControllerInfoMsg::uptime_>("since the daemon started, seconds"));
 };
 
 template class MessageOf<ControllerInfoMsg, Confirmable>;

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/DaemonStatusMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -11,37 +11,20 @@ SerialRegistrar const DaemonStatusMsg::registrar("zorv::" + NAME, &DaemonStatusM
 
 namespace DaemonStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>(
-    "DaemonStatus",
-    {{notReady, "notReady"}, {moduleError, "moduleError"}, {notSecure, "notSecure"}, {secure, "secure"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace DaemonStatus
 
 namespace DaemonDetail {
 
-namespace {
-constexpr auto table = flagTable<Enum>("DaemonDetail", "noDetail",
-                                       {{moduleNotPresent, "moduleNotPresent"},
-                                        {moduleCommFailure, "moduleCommFailure"},
-                                        {invalidCountryCode, "invalidCountryCode"},
-                                        {firmwareFileNotFound, "firmwareFileNotFound"},
-                                        {lostSocket, "lostSocket"},
-                                        {timeout, "timeout"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>())
 
 } // namespace DaemonDetail
 
 struct DaemonStatusMsg::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("address_", &DaemonStatusMsg::address_, "controller that the status concerns"),
-                        member("status_", &DaemonStatusMsg::status_, "overall state"),
-                        member("detail_", &DaemonStatusMsg::detail_, "what is wrong"));
+    static constexpr auto members = std::make_tuple(
+        member<&DaemonStatusMsg::address_>("controller that the status concerns"),
+        member<&DaemonStatusMsg::status_>("overall state"), member<&DaemonStatusMsg::detail_>("what is wrong"));
 };
 
 template class MessageOf<DaemonStatusMsg, Confirmable>;

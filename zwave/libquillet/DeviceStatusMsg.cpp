@@ -10,13 +10,13 @@ std::string const DeviceStatusMsg::NAME("DeviceStatusMsg");
 SerialRegistrar const DeviceStatusMsg::registrar("zorv::" + NAME, &DeviceStatusMsg::serialFactory);
 
 struct DeviceStatusMsg::Wire {
-    static constexpr auto members = std::make_tuple(
-        member("address_", &DeviceStatusMsg::address_, "node that the status concerns"),
-        member("deviceNetworkStatus_", &DeviceStatusMsg::deviceNetworkStatus_, "whether the node can be reached"),
-        member("deviceStatus_", &DeviceStatusMsg::deviceStatus_, "how far the daemon is with the node"),
-        member("deviceLights_", &DeviceStatusMsg::deviceLights_, "what the node's lights show"),
-        member("securityStatus_", &DeviceStatusMsg::securityStatus_, "with which security the node was included"),
-        member("wakeStatus_", &DeviceStatusMsg::wakeStatus_, "whether the node sleeps"));
+    static constexpr auto members =
+        std::make_tuple(member<&DeviceStatusMsg::address_>("node that the status concerns"),
+                        member<&DeviceStatusMsg::deviceNetworkStatus_>("whether the node can be reached"),
+                        member<&DeviceStatusMsg::deviceStatus_>("how far the daemon is with the node"),
+                        member<&DeviceStatusMsg::deviceLights_>("what the node's lights show"),
+                        member<&DeviceStatusMsg::securityStatus_>("with which security the node was included"),
+                        member<&DeviceStatusMsg::wakeStatus_>("whether the node sleeps"));
 };
 
 template class MessageOf<DeviceStatusMsg, Confirmable>;

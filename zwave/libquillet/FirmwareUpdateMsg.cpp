@@ -1,6 +1,6 @@
 #include "zwave/libquillet/FirmwareUpdateMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
@@ -12,21 +12,16 @@ SerialRegistrar const FirmwareUpdateMsg::registrar("zorv::" + NAME, &FirmwareUpd
 
 namespace FirmwareUpdateStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>(
-    "FirmwareUpdateStatus", {{idle, "idle"}, {restart, "restart"}, {running, "running"}, {complete, "complete"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace FirmwareUpdateStatus
 
 struct FirmwareUpdateMsg::Wire {
-    static constexpr auto members = std::make_tuple(
-        member("countryCode_", &FirmwareUpdateMsg::countryCode_, "country of the firmware to install"),
-        member("status_", &FirmwareUpdateMsg::status_, "state of the update"),
-        member("percentComplete_", &FirmwareUpdateMsg::percentComplete_, "progress, percent"),
-        member("timeout_", &FirmwareUpdateMsg::timeout_, "how long the update may take, in the daemon's unit"));
+    static constexpr auto members =
+        std::make_tuple(member<&FirmwareUpdateMsg::countryCode_>("country of the firmware to install"),
+                        member<&FirmwareUpdateMsg::status_>("state of the update"),
+                        member<&FirmwareUpdateMsg::percentComplete_>("progress, percent"),
+                        member<&FirmwareUpdateMsg::timeout_>("how long the update may take, in the daemon's unit"));
 };
 
 template class MessageOf<FirmwareUpdateMsg, Confirmable>;

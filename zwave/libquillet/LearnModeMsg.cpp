@@ -10,10 +10,9 @@ std::string const LearnModeMsg::NAME("LearnModeMsg");
 SerialRegistrar const LearnModeMsg::registrar("zorv::" + NAME, &LearnModeMsg::serialFactory);
 
 struct LearnModeMsg::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("mode_", &LearnModeMsg::mode_, "learn mode that is asked for"),
-                        member("status_", &LearnModeMsg::status_, "how far the controller has come"),
-                        member("timeout_", &LearnModeMsg::timeout_, "time-out of the operation"));
+    static constexpr auto members = std::make_tuple(member<&LearnModeMsg::mode_>("learn mode that is asked for"),
+                                                    member<&LearnModeMsg::status_>("how far the controller has come"),
+                                                    member<&LearnModeMsg::timeout_>("time-out of the operation"));
 };
 
 template class MessageOf<LearnModeMsg, Confirmable>;

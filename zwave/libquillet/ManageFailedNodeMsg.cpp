@@ -1,6 +1,6 @@
 #include "zwave/libquillet/ManageFailedNodeMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/FlagTable.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
@@ -12,40 +12,23 @@ SerialRegistrar const ManageFailedNodeMsg::registrar("zorv::" + NAME, &ManageFai
 
 namespace ManageFailedNodeOp {
 
-namespace {
-constexpr auto table = flagTable<Enum>("ManageFailedNodeOp", "invalid",
-                                       {{remove, "remove"}, {replace, "replace"}, {force, "force"}, {abort, "abort"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(flagTable<Enum>())
 ZORV_ENUM_DEFINE_HEX
 
 } // namespace ManageFailedNodeOp
 
 namespace ManageFailedNodeStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("ManageFailedNodeStatus", {{invalid, "invalid"},
-                                                                  {removed, "removed"},
-                                                                  {replace, "replace"},
-                                                                  {replaced, "replaced"},
-                                                                  {nodeNotFailed, "nodeNotFailed"},
-                                                                  {nodeNotFound, "nodeNotFound"},
-                                                                  {timeout, "timeout"},
-                                                                  {aborting, "aborting"},
-                                                                  {failure, "failure"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace ManageFailedNodeStatus
 
 struct ManageFailedNodeMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("operation_", &ManageFailedNodeMsg::operation_, "what is to be done with the node"),
-                        member("address_", &ManageFailedNodeMsg::address_, "failed node"),
-                        member("status_", &ManageFailedNodeMsg::status_, "what became of it"),
-                        member("timeout_", &ManageFailedNodeMsg::timeout_, "time-out of the operation"));
+        std::make_tuple(member<&ManageFailedNodeMsg::operation_>("what is to be done with the node"),
+                        member<&ManageFailedNodeMsg::address_>("failed node"),
+                        member<&ManageFailedNodeMsg::status_>("what became of it"),
+                        member<&ManageFailedNodeMsg::timeout_>("time-out of the operation"));
 };
 
 template class MessageOf<ManageFailedNodeMsg, Confirmable>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/EnumDeclaration.h"
+#include "platform/libtransport/tables/EnumDeclaration.h"
 #include "platform/libzorvshared/ZwaveAddress.h"
 #include "zwave/libquillet/Confirmable.h"
 

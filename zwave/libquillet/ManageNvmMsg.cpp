@@ -1,7 +1,7 @@
 #include "zwave/libquillet/ManageNvmMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
-#include "platform/libtransport/FramedOfImpl.h"
+#include "platform/libtransport/tables/EnumTable.h"
+#include "platform/libtransport/tables/FramedRecordImpl.h"
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
 #include "platform/libzorvlogger/Logger.h"
@@ -58,15 +58,13 @@ std::string const Blob::NAME("Blob");
 SerialRegistrar const Blob::registrar("zorv::" + NAME, &Blob::serialFactory);
 
 struct Blob::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("name_", &Blob::name_, "name of the chunk"),
-                        member("offset_", &Blob::offset_, "position in the module's NVM, bytes"),
-                        member("size_", &Blob::size_, "number of decoded bytes"),
-                        member("crc_", &Blob::crc_, "CRC-32 of the text of the contents"),
-                        member("contents_", &Blob::contents_, "the bytes, in base64"));
+    static constexpr auto members = std::make_tuple(
+        member<&Blob::name_>("name of the chunk"), member<&Blob::offset_>("position in the module's NVM, bytes"),
+        member<&Blob::size_>("number of decoded bytes"), member<&Blob::crc_>("CRC-32 of the text of the contents"),
+        member<&Blob::contents_>("the bytes, in base64"));
 };
 
-template class FramedOf<Blob>;
+template class FramedRecord<Blob>;
 
 unsigned int Blob::computeCrc() const {
     boost::crc_32_type crc;
@@ -116,26 +114,17 @@ SerialRegistrar const ManageNvmMsg::registrar("zorv::" + NAME, &ManageNvmMsg::se
 
 namespace ManageNvmOp {
 
-namespace {
-constexpr auto table = enumTable<Enum>("ManageNvmOp", {{invalid, "invalid"},
-                                                       {save, "save"},
-                                                       {restore, "restore"},
-                                                       {clear, "clear"},
-                                                       {validate, "validate"},
-                                                       {authorize, "authorize"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace ManageNvmOp
 
 struct ManageNvmMsg::Wire {
-    static constexpr auto members = std::make_tuple(
-        member("operation_", &ManageNvmMsg::operation_, "what to do with the NVM"),
-        member("homeId_", &ManageNvmMsg::homeId_, "home id of the network whose NVM this is"),
-        member("timeout_", &ManageNvmMsg::timeout_, "how long the operation may take, in the daemon's unit"),
-        member("percentComplete_", &ManageNvmMsg::percentComplete_, "progress, percent"),
-        member("blobs_", &ManageNvmMsg::blobs_, "the contents of the NVM"));
+    static constexpr auto members =
+        std::make_tuple(member<&ManageNvmMsg::operation_>("what to do with the NVM"),
+                        member<&ManageNvmMsg::homeId_>("home id of the network whose NVM this is"),
+                        member<&ManageNvmMsg::timeout_>("how long the operation may take, in the daemon's unit"),
+                        member<&ManageNvmMsg::percentComplete_>("progress, percent"),
+                        member<&ManageNvmMsg::blobs_>("the contents of the NVM"));
 };
 
 template class MessageOf<ManageNvmMsg, Confirmable>;

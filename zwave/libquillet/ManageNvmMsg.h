@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/libtransport/FramedOf.h"
+#include "platform/libtransport/tables/FramedRecord.h"
 #include "platform/libzorvshared/ZwaveAddress.h"
 #include "zwave/libquillet/Confirmable.h"
 
@@ -17,7 +17,7 @@ using OctetVec = std::vector<unsigned char>;
 
 /// One chunk of the controller module's NVM: its bytes as base64 text, and a CRC-32 of that text, by which damage is
 /// seen before the chunk is written back to the module.
-class QUILLET_EXPORT Blob : public FramedOf<Blob> {
+class QUILLET_EXPORT Blob : public FramedRecord<Blob> {
 public:
     static std::string const NAME;
     static SerialRegistrar const registrar;
@@ -53,7 +53,7 @@ public:
     void print(std::ostream& os) const;
 
 private:
-    friend FramedOf;
+    friend FramedRecord;
     struct Wire;
 
     std::string name_;
@@ -63,7 +63,7 @@ private:
     std::string contents_; // base64
 };
 
-extern template class FramedOf<Blob>;
+extern template class FramedRecord<Blob>;
 
 using BlobVec = std::vector<boost::shared_ptr<Blob>>;
 

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/NodeInformationMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/requireNonNull.h"
@@ -15,35 +15,21 @@ SerialRegistrar const NodeInformationMsg::registrar("zorv::" + NAME, &NodeInform
 
 namespace GetNodesOp {
 
-namespace {
-constexpr auto table =
-    enumTable<Enum>("GetNodesOp", {{undefined, "undefined"}, {get, "get"}, {set, "set"}, {update, "update"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace GetNodesOp
 
 namespace DisplayOption {
 
-namespace {
-constexpr auto table = enumTable<Enum>("DisplayOption", {{none, "none"},
-                                                         {all, "all"},
-                                                         {info, "info"},
-                                                         {status, "status"},
-                                                         {cmdClasses, "cmdClasses"},
-                                                         {cmdClassDetail, "cmdClassDetail"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace DisplayOption
 
 struct NodeInformationMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("operation_", &NodeInformationMsg::operation_, "what the message does"),
-                        member("displayOptions_", &NodeInformationMsg::displayOptions_, "which table is drawn"),
-                        member("devices_", &NodeInformationMsg::devices_, "the nodes by their addresses"));
+        std::make_tuple(member<&NodeInformationMsg::operation_>("what the message does"),
+                        member<&NodeInformationMsg::displayOptions_>("which table is drawn"),
+                        member<&NodeInformationMsg::devices_>("the nodes by their addresses"));
 };
 
 template class MessageOf<NodeInformationMsg, Confirmable>;

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/NvmOpEvt.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -11,17 +11,12 @@ SerialRegistrar const NvmOpEvt::registrar("zorv::" + NAME, &NvmOpEvt::serialFact
 
 namespace NvmOp {
 
-namespace {
-constexpr auto table =
-    enumTable<Enum>("NvmOp", {{none, "none"}, {clear, "clear"}, {save, "save"}, {restore, "restore"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace NvmOp
 
 struct NvmOpEvt::Wire {
-    static constexpr auto members = std::make_tuple(member("op_", &NvmOpEvt::op_, "operation on the NVM"));
+    static constexpr auto members = std::make_tuple(member<&NvmOpEvt::op_>("operation on the NVM"));
 };
 
 template class MessageOf<NvmOpEvt, TMessage>;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/libtransport/EnumDeclaration.h"
 #include "platform/libtransport/TMessage.h"
+#include "platform/libtransport/tables/EnumDeclaration.h"
 #include "zwave/libquillet/support/MessageOf.h"
 
 namespace zorv {

@@ -10,9 +10,9 @@ SerialRegistrar const ObserveMsg::registrar("zorv::" + NAME, &ObserveMsg::serial
 
 struct ObserveMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("action_", &ObserveMsg::action_, "what the observer asks for"),
-                        member("direction_", &ObserveMsg::direction_, "which way the observed message travelled"),
-                        member("message_", &ObserveMsg::message_, "the observed message"));
+        std::make_tuple(member<&ObserveMsg::action_>("what the observer asks for"),
+                        member<&ObserveMsg::direction_>("which way the observed message travelled"),
+                        member<&ObserveMsg::message_>("the observed message"));
 };
 
 template class MessageOf<ObserveMsg, Confirmable>;

@@ -9,9 +9,8 @@ std::string const PingMsg::NAME("PingMsg");
 SerialRegistrar const PingMsg::registrar("zorv::" + NAME, &PingMsg::serialFactory);
 
 struct PingMsg::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("destination_", &PingMsg::destination_, "node to ping"),
-                        member("latencyMs_", &PingMsg::latencyMs_, "round-trip time, milliseconds"));
+    static constexpr auto members = std::make_tuple(member<&PingMsg::destination_>("node to ping"),
+                                                    member<&PingMsg::latencyMs_>("round-trip time, milliseconds"));
 };
 
 template class MessageOf<PingMsg, Confirmable>;

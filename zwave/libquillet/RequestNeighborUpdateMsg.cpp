@@ -11,9 +11,9 @@ SerialRegistrar const RequestNeighborUpdateMsg::registrar("zorv::" + NAME, &Requ
 
 struct RequestNeighborUpdateMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("address_", &RequestNeighborUpdateMsg::address_, "node whose neighbours are looked for"),
-                        member("status_", &RequestNeighborUpdateMsg::status_, "how far the node has come"),
-                        member("timeout_", &RequestNeighborUpdateMsg::timeout_, "time-out of the update"));
+        std::make_tuple(member<&RequestNeighborUpdateMsg::address_>("node whose neighbours are looked for"),
+                        member<&RequestNeighborUpdateMsg::status_>("how far the node has come"),
+                        member<&RequestNeighborUpdateMsg::timeout_>("time-out of the update"));
 };
 
 template class MessageOf<RequestNeighborUpdateMsg, Confirmable>;

@@ -11,8 +11,8 @@ SerialRegistrar const RequestNetworkUpdateMsg::registrar("zorv::" + NAME, &Reque
 
 struct RequestNetworkUpdateMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("status_", &RequestNetworkUpdateMsg::status_, "how the update went"),
-                        member("timeout_", &RequestNetworkUpdateMsg::timeout_, "time-out of the update"));
+        std::make_tuple(member<&RequestNetworkUpdateMsg::status_>("how the update went"),
+                        member<&RequestNetworkUpdateMsg::timeout_>("time-out of the update"));
 };
 
 template class MessageOf<RequestNetworkUpdateMsg, Confirmable>;

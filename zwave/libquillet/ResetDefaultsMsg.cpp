@@ -9,8 +9,7 @@ std::string const ResetDefaultsMsg::NAME("ResetDefaultsMsg");
 SerialRegistrar const ResetDefaultsMsg::registrar("zorv::" + NAME, &ResetDefaultsMsg::serialFactory);
 
 struct ResetDefaultsMsg::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("timeout_", &ResetDefaultsMsg::timeout_, "time-out of the reset"));
+    static constexpr auto members = std::make_tuple(member<&ResetDefaultsMsg::timeout_>("time-out of the reset"));
 };
 
 template class MessageOf<ResetDefaultsMsg, Confirmable>;

@@ -1,5 +1,6 @@
 #include "zwave/libquillet/SendCommandMsg.h"
 
+#include "platform/libzorvshared/nodeIds.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -9,14 +10,14 @@ std::string const SendCommandMsg::NAME("SendCommandMsg");
 SerialRegistrar const SendCommandMsg::registrar("zorv::" + NAME, &SendCommandMsg::serialFactory);
 
 struct SendCommandMsg::Wire {
-    static constexpr auto members = std::make_tuple(
-        member("destinations_", &SendCommandMsg::destinations_, "nodes to send to"),
-        member("command_", &SendCommandMsg::command_, "command to send"),
-        member("options_", &SendCommandMsg::options_, "transmit options of the controller"),
-        member("noWait_", &SendCommandMsg::noWait_, "do not wait for the node's confirmation"),
-        member("forceSend_", &SendCommandMsg::forceSend_, "send even what would be held back or refused"),
-        member("forceSecure_", &SendCommandMsg::forceSecure_, "send encrypted"),
-        member("groupResponse_", &SendCommandMsg::groupResponse_, "whether this answers a broadcast or a multicast"));
+    static constexpr auto members =
+        std::make_tuple(member<&SendCommandMsg::destinations_>("nodes to send to"),
+                        member<&SendCommandMsg::command_>("command to send"),
+                        member<&SendCommandMsg::options_>("transmit options of the controller"),
+                        member<&SendCommandMsg::noWait_>("do not wait for the node's confirmation"),
+                        member<&SendCommandMsg::forceSend_>("send even what would be held back or refused"),
+                        member<&SendCommandMsg::forceSecure_>("send encrypted"),
+                        member<&SendCommandMsg::groupResponse_>("whether this answers a broadcast or a multicast"));
 };
 
 template class MessageOf<SendCommandMsg, Confirmable>;
@@ -24,8 +25,6 @@ template class MessageOf<SendCommandMsg, Confirmable>;
 namespace {
 
 constexpr std::size_t maxDestinations = 64;
-constexpr unsigned char lastNode = 232;
-constexpr unsigned char broadcast = 255;
 
 } // namespace
 
@@ -59,19 +58,20 @@ bool SendCommandMsg::validDestinations(std::vector<ZwaveAddress> const& destinat
     bool first = true;
     for (auto const& destination : destinations) {
         auto const nodeId = destination.nodeId();
-        bool const isNode = nodeId >= 1 && nodeId <= lastNode;
-        if (!isNode && !(first && nodeId == broadcast)) { return false; }
+        if (!isNodeId(nodeId) && !(first && nodeId == broadcastNodeId)) { return false; }
         first = false;
     }
     return true;
 }
 
 bool SendCommandMsg::sendSinglecast() const {
-    return destinations_.size() == 1 && validDestinations(destinations_) && destinations_[0].nodeId() != broadcast;
+    return destinations_.size() == 1 && validDestinations(destinations_) &&
+           destinations_[0].nodeId() != broadcastNodeId;
 }
 
 bool SendCommandMsg::sendBroadcast() const {
-    return destinations_.size() == 1 && validDestinations(destinations_) && destinations_[0].nodeId() == broadcast;
+    return destinations_.size() == 1 && validDestinations(destinations_) &&
+           destinations_[0].nodeId() == broadcastNodeId;
 }
 
 bool SendCommandMsg::sendMulticast() const { return destinations_.size() >= 2 && validDestinations(destinations_); }

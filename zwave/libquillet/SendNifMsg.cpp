@@ -1,5 +1,6 @@
 #include "zwave/libquillet/SendNifMsg.h"
 
+#include "platform/libzorvshared/nodeIds.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -10,8 +11,8 @@ SerialRegistrar const SendNifMsg::registrar("zorv::" + NAME, &SendNifMsg::serial
 
 struct SendNifMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("destination_", &SendNifMsg::destination_, "node id; 255 stands for all nodes"),
-                        member("options_", &SendNifMsg::options_, "how the frame is sent"));
+        std::make_tuple(member<&SendNifMsg::destination_>("node id; 255 stands for all nodes"),
+                        member<&SendNifMsg::options_>("how the frame is sent"));
 };
 
 template class MessageOf<SendNifMsg, Confirmable>;
@@ -22,8 +23,7 @@ boost::shared_ptr<SendNifMsg> SendNifMsg::create(unsigned char destination, Tran
 
 // Most response forms check the request and repeat its members; this one does neither.
 boost::shared_ptr<SendNifMsg> SendNifMsg::create(boost::shared_ptr<SendNifMsg> const& request, ZResult::Enum result) {
-    constexpr unsigned char allNodes = 255;
-    auto response = respondWithNew<SendNifMsg>(*request, allNodes, TransmitOption::defaultOptions);
+    auto response = respondWithNew<SendNifMsg>(*request, broadcastNodeId, TransmitOption::defaultOptions);
     response->result(result);
     return response;
 }

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/SerialManagerEvt.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -11,24 +11,14 @@ SerialRegistrar const SerialManagerEvt::registrar("zorv::" + NAME, &SerialManage
 
 namespace SerialManagerStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("SerialManagerStatus", {{idle, "idle"},
-                                                               {bootloaderRunning, "bootloaderRunning"},
-                                                               {bootloaderStopped, "bootloaderStopped"},
-                                                               {sessionLayerRunning, "sessionLayerRunning"},
-                                                               {sessionLayerStopped, "sessionLayerStopped"},
-                                                               {sessionLayerRestart, "sessionLayerRestart"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace SerialManagerStatus
 
 struct SerialManagerEvt::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("status_", &SerialManagerEvt::status_, "new state of the serial manager"),
-                        member("percentComplete_", &SerialManagerEvt::percentComplete_,
-                               "progress of the running operation, percent; not limited to 100"));
+    static constexpr auto members = std::make_tuple(
+        member<&SerialManagerEvt::status_>("new state of the serial manager"),
+        member<&SerialManagerEvt::percentComplete_>("progress of the running operation, percent; not limited to 100"));
 };
 
 template class MessageOf<SerialManagerEvt, TMessage>;

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/SessionLayerMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 #include "zwave/libquillet/support/respond.h"
 
@@ -11,38 +11,19 @@ SerialRegistrar const SessionLayerMsg::registrar("zorv::" + NAME, &SessionLayerM
 
 namespace SessionLayerOp {
 
-namespace {
-constexpr auto table = enumTable<Enum>("SessionLayerOp", {{status, "status"}, {ping, "ping"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace SessionLayerOp
 
 namespace SessionLayerStatus {
 
-namespace {
-constexpr auto table = enumTable<Enum>("SessionLayerStatus", {{unknown, "unknown"},
-                                                              {idle, "idle"},
-                                                              {threadRunning, "threadRunning"},
-                                                              {threadStopped, "threadStopped"},
-                                                              {frameNormal, "frameNormal"},
-                                                              {frameChecksumError, "frameChecksumError"},
-                                                              {frameRetriesFailedError, "frameRetriesFailedError"},
-                                                              {frameTimeoutError, "frameTimeoutError"},
-                                                              {moduleNotPresent, "moduleNotPresent"},
-                                                              {moduleClosed, "moduleClosed"},
-                                                              {moduleConfigFailure, "moduleConfigFailure"},
-                                                              {moduleOpen, "moduleOpen"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 
 } // namespace SessionLayerStatus
 
 struct SessionLayerMsg::Wire {
-    static constexpr auto members = std::make_tuple(member("op_", &SessionLayerMsg::op_, "what is asked for"),
-                                                    member("status_", &SessionLayerMsg::status_, "state of the layer"));
+    static constexpr auto members = std::make_tuple(member<&SessionLayerMsg::op_>("what is asked for"),
+                                                    member<&SessionLayerMsg::status_>("state of the layer"));
 };
 
 template class MessageOf<SessionLayerMsg, Confirmable>;

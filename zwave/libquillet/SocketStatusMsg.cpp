@@ -1,6 +1,6 @@
 #include "zwave/libquillet/SocketStatusMsg.h"
 
-#include "platform/libtransport/EnumTable.h"
+#include "platform/libtransport/tables/EnumTable.h"
 #include "zwave/libquillet/support/MessageOfImpl.h"
 
 namespace zorv {
@@ -10,20 +10,15 @@ SerialRegistrar const SocketStatusMsg::registrar("zorv::" + NAME, &SocketStatusM
 
 namespace SocketEvent {
 
-namespace {
-constexpr auto table = enumTable<Enum>(
-    "SocketEvent", {{invalid, "invalid"}, {connect, "connect"}, {disconnect, "disconnect"}, {error, "error"}});
-} // namespace
-
-ZORV_ENUM_DEFINE(table)
+ZORV_ENUM_DEFINE(enumTable<Enum>())
 ZORV_ENUM_DEFINE_HEX
 
 } // namespace SocketEvent
 
 struct SocketStatusMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("status_", &SocketStatusMsg::status_, "what happened on the connection"),
-                        member("actor_", &SocketStatusMsg::actor_, "which end it concerns"));
+        std::make_tuple(member<&SocketStatusMsg::status_>("what happened on the connection"),
+                        member<&SocketStatusMsg::actor_>("which end it concerns"));
 };
 
 template class MessageOf<SocketStatusMsg, TMessage>;

@@ -9,8 +9,8 @@ SerialRegistrar const SubscribeMsg::registrar("zorv::" + NAME, &SubscribeMsg::se
 
 struct SubscribeMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("unsubscribe_", &SubscribeMsg::unsubscribe_, "whether the events are given up"),
-                        member("events_", &SubscribeMsg::events_, "names of the events"));
+        std::make_tuple(member<&SubscribeMsg::unsubscribe_>("whether the events are given up"),
+                        member<&SubscribeMsg::events_>("names of the events"));
 };
 
 template class MessageOf<SubscribeMsg, Confirmable>;

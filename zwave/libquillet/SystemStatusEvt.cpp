@@ -9,8 +9,7 @@ std::string const SystemStatusEvt::NAME("SystemStatusEvt");
 SerialRegistrar const SystemStatusEvt::registrar("zorv::" + NAME, &SystemStatusEvt::serialFactory);
 
 struct SystemStatusEvt::Wire {
-    static constexpr auto members =
-        std::make_tuple(member("status_", &SystemStatusEvt::status_, "state of the Z-Wave system"));
+    static constexpr auto members = std::make_tuple(member<&SystemStatusEvt::status_>("state of the Z-Wave system"));
 };
 
 template class MessageOf<SystemStatusEvt, Confirmable>;

@@ -15,7 +15,7 @@ SerialRegistrar const VersionMsg::registrar("zorv::" + NAME, &VersionMsg::serial
 
 struct VersionMsg::Wire {
     static constexpr auto members =
-        std::make_tuple(member("protocolVersion_", &VersionMsg::protocolVersion_, "protocol version of the sender"));
+        std::make_tuple(member<&VersionMsg::protocolVersion_>("protocol version of the sender"));
     static constexpr auto protocolVersion = std::get<0>(members);
 };
 
@@ -42,13 +42,13 @@ boost::shared_ptr<VersionMsg> VersionMsg::create(boost::shared_ptr<VersionMsg> c
 // No bases array here, and none is read: that is what lets any two versions of the header talk.
 void VersionMsg::serialInserter(Serializer& s) const {
     s << opencurly << noescape << Serializer::name << colon << serialName();
-    s << comma << noescape << Wire::protocolVersion.key << colon << protocolVersion_ << closecurly;
+    s << comma << noescape << Wire::protocolVersion.key.data() << colon << protocolVersion_ << closecurly;
 }
 
 void VersionMsg::serialExtract(Serializer& s) {
     std::string className;
     s >> "__name__" >> colon >> className >> comma;
-    s >> Wire::protocolVersion.key >> colon >> protocolVersion_;
+    s >> Wire::protocolVersion.key.data() >> colon >> protocolVersion_;
     // No `finished`: whoever selected the object takes it off the reader's stack.
 }
 
@@ -65,7 +65,7 @@ void VersionMsg::print(std::ostream& os) const {
     add("timestamp_", jsonQuoteValue(toString(timestamp())));
     add("priority_", jsonQuoteValue(toString(priority())));
     add("source_", jsonQuoteValue(boost::lexical_cast<std::string>(source())));
-    add(Wire::protocolVersion.key, jsonQuoteValue(protocolVersion_));
+    add(Wire::protocolVersion.key.data(), jsonQuoteValue(protocolVersion_));
     os.width(0); // fill characters are no JSON
     os << line << '}';
 }

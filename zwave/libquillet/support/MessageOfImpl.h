@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/libtransport/MemberTable.h"
 #include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/tables/MemberTable.h"
 #include "zwave/libquillet/printFromSerial.h"
 #include "zwave/libquillet/support/Containers.h"
 #include "zwave/libquillet/support/MessageDescriptor.h"

@@ -1,6 +1,6 @@
 #include "zwave/libquillet/support/typeText.h"
 
-#include "platform/libtransport/TypeDescriptor.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 
 namespace zorv {
 
@@ -11,6 +11,9 @@ std::string typeText(TypeDescriptor const& type) {
     case Kind::integer:
     case Kind::number:
     case Kind::text:
+    case Kind::timeStamp:
+    case Kind::uuid:
+    case Kind::endpoint:
     case Kind::enumeration:
     case Kind::openSet:
     case Kind::record: return type.name;

@@ -20,9 +20,12 @@ struct TypeDescriptor {
         integer,
         number,
         text,
+        timeStamp,
+        uuid,
+        endpoint,
         enumeration, ///< one of the texts
         openSet,     ///< one of the texts, or "0x" and hex digits
-        flagSet,     ///< texts joined by "|"
+        flagSet,     ///< texts joined by "|"; with a field, one of the texts of `elements[0]` comes last
         record,      ///< an object that is always there
         reference,   ///< a framed object of `name` or of a class derived from it, or null
         list,        ///< an array of `elements[0]`
@@ -30,12 +33,12 @@ struct TypeDescriptor {
     };
 
     Kind kind = Kind::boolean;
-    std::string name;                           ///< such as "unsigned int", "AddRemoveOp", "ZwaveAddress"
-    double minimum = 0;                         ///< of an integer
-    double maximum = 0;                         ///< of an integer
-    std::vector<EnumText> texts = {};           ///< of an enumeration, an open set or a flag set
+    std::string name;                 ///< such as "unsigned int", "AddRemoveOp", "ZwaveAddress"
+    double minimum = 0;               ///< of an integer
+    double maximum = 0;               ///< of an integer
+    std::vector<EnumText> texts = {}; ///< of an enumeration, an open set or a flag set (the empty set's first)
     std::vector<MemberDescriptor> members = {}; ///< of a record
-    std::vector<TypeDescriptor> elements = {};  ///< of a list or of pairs
+    std::vector<TypeDescriptor> elements = {};  ///< of a list, of pairs or of a flag set with a field
 };
 
 /// One member of a record or a message.

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "platform/libtransport/SerialValue.h"
-#include "platform/libtransport/TypeDescriptor.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
+#include "platform/libtransport/tables/identifiers.h"
 
 #include <limits>
 #include <map>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <vector>
@@ -14,23 +16,46 @@
 //
 //     struct PingMsg::Wire {
 //         static constexpr auto members = std::make_tuple(
-//             member("destination_", &PingMsg::destination_, "node to ping"),
-//             member("latencyMs_", &PingMsg::latencyMs_, "round-trip time, milliseconds"));
+//             member<&PingMsg::destination_>("node to ping"),
+//             member<&PingMsg::latencyMs_>("round-trip time, milliseconds"));
 //     };
 //
-// The writer, the reader and the descriptors below are folds over such a table.
+// A member's key is its identifier. The writer, the reader and the descriptors are folds over such a table.
 
 namespace zorv {
 
-template <class Class, class T> struct Member {
-    char const* key;
-    T Class::*pointer;
+/// The key of a member, in the forms in which it is read and written.
+template <auto pointer> class MemberKey {
+    static constexpr auto name = identifiers::nameOfValue<pointer>();
+    static_assert(!name.empty(), "this compiler does not tell the member's identifier");
+
+    static constexpr auto makeKey() {
+        identifiers::Text<name.size()> text;
+        text.append(name);
+        return text;
+    }
+    static constexpr auto makeKeyAndColon() {
+        identifiers::Text<name.size() + 3> text;
+        text.append("\"");
+        text.append(name);
+        text.append("\":");
+        return text;
+    }
+
+public:
+    static constexpr auto plain = makeKey();             ///< latencyMs_
+    static constexpr auto withColon = makeKeyAndColon(); ///< "latencyMs_":
+};
+
+template <auto memberPointer> struct Member {
+    static constexpr auto pointer = memberPointer;
+    static constexpr std::string_view key = MemberKey<memberPointer>::plain.view(); ///< with a NUL after it
+    static constexpr std::string_view keyWithColon = MemberKey<memberPointer>::withColon.view();
+
     char const* doc;
 };
 
-template <class Class, class T> constexpr Member<Class, T> member(char const* key, T Class::*pointer, char const* doc) {
-    return {key, pointer, doc};
-}
+template <auto pointer> constexpr Member<pointer> member(char const* doc) { return {doc}; }
 
 /// Stands for the base of a class whose frame ends the chain of bases.
 struct NoBase {};
@@ -42,7 +67,7 @@ template <class Self, class Members> void insertRecord(Serializer& s, Self const
     auto const insert = [&](auto const& m) {
         if (!first) { s << comma; }
         first = false;
-        s << noescape << m.key << colon << self.*m.pointer;
+        s << noescape << m.key.data() << colon << self.*m.pointer;
     };
     std::apply([&](auto const&... m) { (insert(m), ...); }, members);
     s << closecurly;
@@ -55,7 +80,7 @@ void insertFrame(Serializer& s, char const* serialName, Self const& self, Member
     s << comma << noescape << Serializer::bases << colon << openbracket;
     if constexpr (!std::is_same_v<Base, NoBase>) { self.Base::serialInserter(s); }
     s << closebracket;
-    std::apply([&](auto const&... m) { ((s << comma << noescape << m.key << colon << self.*m.pointer), ...); },
+    std::apply([&](auto const&... m) { ((s << comma << noescape << m.key.data() << colon << self.*m.pointer), ...); },
                members);
     s << closecurly;
 }
@@ -72,7 +97,7 @@ struct ValueReader {
 /// Reads an object that insertRecord wrote.
 template <class Reader = ValueReader, class Self, class Members>
 void extractRecord(Serializer& s, Self& self, Members const& members, Reader read = {}) {
-    std::apply([&](auto const&... m) { ((s >> m.key, read(s, self.*m.pointer)), ...); }, members);
+    std::apply([&](auto const&... m) { ((s >> m.key.data(), read(s, self.*m.pointer)), ...); }, members);
     s >> finished;
 }
 
@@ -105,9 +130,9 @@ template <class T> struct Type {};
 inline TypeDescriptor describeType(Type<bool>) { return {TypeDescriptor::Kind::boolean, "bool"}; }
 inline TypeDescriptor describeType(Type<double>) { return {TypeDescriptor::Kind::number, "double"}; }
 inline TypeDescriptor describeType(Type<std::string>) { return {TypeDescriptor::Kind::text, "string"}; }
-inline TypeDescriptor describeType(Type<TimeStamp>) { return {TypeDescriptor::Kind::text, "time stamp"}; }
-inline TypeDescriptor describeType(Type<boost::uuids::uuid>) { return {TypeDescriptor::Kind::text, "UUID"}; }
-inline TypeDescriptor describeType(Type<TcpEndpointValue>) { return {TypeDescriptor::Kind::text, "TCP endpoint"}; }
+inline TypeDescriptor describeType(Type<TimeStamp>) { return {TypeDescriptor::Kind::timeStamp, "time stamp"}; }
+inline TypeDescriptor describeType(Type<boost::uuids::uuid>) { return {TypeDescriptor::Kind::uuid, "UUID"}; }
+inline TypeDescriptor describeType(Type<TcpEndpointValue>) { return {TypeDescriptor::Kind::endpoint, "TCP endpoint"}; }
 
 template <class Integer> TypeDescriptor describeInteger(char const* name) {
     using Limits = std::numeric_limits<Integer>;
@@ -165,7 +190,7 @@ std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& 
         using T = std::decay_t<decltype(blank.*m.pointer)>;
         Serializer s;
         s << blank.*m.pointer;
-        descriptors.push_back({m.key, m.doc, describeType(Type<T>()), s.str()});
+        descriptors.push_back({std::string(m.key), m.doc, describeType(Type<T>()), s.str()});
     };
     std::apply([&](auto const&... m) { (add(m), ...); }, members);
     return descriptors;

@@ -10,10 +10,10 @@ struct TypeDescriptor;
 /// What every value record derives from its member table `Self::Wire::members` and its name `Self::Wire::name`.
 ///
 /// A record travels as an object without a frame, since its class is known from the member that holds it.
-/// RecordOfImpl.h defines the operations; each record's source includes it and instantiates them for its class.
-template <class Self> class ZORV_EXPORT RecordOf : public Serializable {
+/// ValueRecordImpl.h defines the operations; each record's source includes it and instantiates them for its class.
+template <class Self> class ZORV_EXPORT ValueRecord : public Serializable {
 public:
-    RecordOf() noexcept : Serializable(1) {}
+    ValueRecord() noexcept : Serializable(1) {}
 
     void serialInserter(Serializer& s) const override;
 

@@ -11,11 +11,11 @@ struct TypeDescriptor;
 /// What every record that is referred to derives from its member table `Self::Wire::members`, and from its statics
 /// `NAME` and `registrar`.
 ///
-/// Such a record travels as a framed object, since a reference does not tell its class. FramedOfImpl.h defines the
+/// Such a record travels as a framed object, since a reference does not tell its class. FramedRecordImpl.h defines the
 /// operations; each record's source includes it and instantiates them for its class.
-template <class Self, class Base = Serializable> class ZORV_EXPORT FramedOf : public Base {
+template <class Self, class Base = Serializable> class ZORV_EXPORT FramedRecord : public Base {
 public:
-    FramedOf() : Base(1) {}
+    FramedRecord() : Base(1) {}
 
     void serialInserter(Serializer& s) const override;
 

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 namespace zorv {
 struct TypeDescriptor;
@@ -12,15 +13,16 @@ struct TypeDescriptor;
 
 /// Declares the operations of `Enum` in the namespace where it stands; a macro, because they have to stand there.
 ///
-/// `operator<<` and `toString` write a value's text, `operator>>` reads one word, `toEnum` takes the first word of a
-/// text. A number or a word that the enumeration does not have raises InvalidEnumError.
+/// `operator<<`, `toString` and `appendText` write a value's text, `operator>>` reads one word, `toEnum` and `parse` take
+/// the first word of a text. A number or a word that the enumeration does not have raises InvalidEnumError.
 #define ZORV_ENUM_DECLARE(EXPORT)                                                                                      \
     EXPORT std::ostream& operator<<(std::ostream& os, Enum value);                                                     \
     EXPORT std::istream& operator>>(std::istream& is, Enum& value);                                                    \
     EXPORT std::string toString(Enum value);                                                                           \
     EXPORT Enum toEnum(std::string const& text);                                                                       \
-    EXPORT ::zorv::TypeDescriptor describe(Enum);                                                                      \
-    inline void parse(std::string const& text, Enum& value) { value = toEnum(text); }
+    EXPORT void appendText(std::string& out, Enum value);                                                              \
+    EXPORT void parse(std::string_view text, Enum& value);                                                             \
+    EXPORT ::zorv::TypeDescriptor describe(Enum);
 
 /// Declares `toHex`: the two hex digits of the value's low byte.
 #define ZORV_ENUM_DECLARE_HEX(EXPORT) EXPORT std::string toHex(Enum value);

@@ -1,0 +1,112 @@
+#include "platform/libtransport/tables/EnumTexts.h"
+
+#include "platform/libtransport/hexDigits.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
+#include "platform/libtransport/throwInvalidEnum.h"
+
+#include <boost/functional/hash.hpp>
+#include <boost/unordered_map.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+#include <istream>
+#include <ostream>
+#include <utility>
+
+namespace zorv {
+
+namespace {
+
+constexpr std::string_view hexPrefix = "0x";
+
+bool fits(unsigned int number, OpenDigits digits) {
+    return digits.most >= 8 || (digits.most > 0 && number >> (4U * digits.most) == 0);
+}
+
+bool parseHex(std::string_view text, OpenDigits digits, unsigned int& number) {
+    if (text.size() <= hexPrefix.size() || text.size() > hexPrefix.size() + digits.most) { return false; }
+    if (text.substr(0, hexPrefix.size()) != hexPrefix) { return false; }
+    auto const* const end = text.data() + text.size();
+    return std::from_chars(text.data() + hexPrefix.size(), end, number, 16).ptr == end;
+}
+
+/// The same for a string and for a view of one, so that a text is found without a copy of it.
+struct TextHash {
+    std::size_t operator()(std::string_view text) const { return boost::hash_range(text.begin(), text.end()); }
+};
+
+} // namespace
+
+struct EnumReader::Index {
+    boost::unordered_map<std::string, int, TextHash> values;
+};
+
+EnumReader::EnumReader(char const* enumName, EnumRows rows, OpenDigits digits) : enumName_(enumName), digits_(digits) {
+    auto index = std::make_unique<Index>();
+    index->values.max_load_factor(1.0F);
+    for (auto const& row : rows) { index->values.emplace(std::string(row.text), row.value); }
+    index_ = std::move(index);
+}
+
+EnumReader::~EnumReader() = default;
+
+int EnumReader::read(std::string_view text) const {
+    auto const found = index_->values.find(text, TextHash(), std::equal_to<>());
+    if (found != index_->values.end()) { return found->second; }
+    unsigned int number = 0;
+    if (!parseHex(text, digits_, number)) { throwInvalidEnum(enumName_, std::string(text)); }
+    return static_cast<int>(number);
+}
+
+bool EnumTexts::append(std::string& out, int value) const {
+    auto const* const row = std::lower_bound(rows_.begin(), rows_.end(), value,
+                                             [](EnumRow const& each, int number) { return each.value < number; });
+    if (row != rows_.end() && row->value == value) {
+        out += row->text;
+        return true;
+    }
+    auto const number = static_cast<unsigned int>(value);
+    if (!fits(number, digits_)) { return false; }
+    auto digits = digits_.least;
+    while (digits < 8 && number >> (4U * digits) != 0) { ++digits; }
+    out += hexPrefix;
+    out += hexDigits(number, digits);
+    return true;
+}
+
+void EnumTexts::refuse(int value) const { throwInvalidEnum(enumName_, value); }
+
+TypeDescriptor EnumTexts::describe() const {
+    TypeDescriptor type;
+    type.kind = digits_.most > 0 ? TypeDescriptor::Kind::openSet : TypeDescriptor::Kind::enumeration;
+    type.name = enumName_;
+    for (auto const& row : rows_) { type.texts.push_back({row.value, std::string(row.text)}); }
+    return type;
+}
+
+namespace enums {
+
+void put(std::ostream& os, std::string_view text) {
+    os.width(0);
+    os.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+std::string readWord(std::istream& is) {
+    std::string word;
+    is.width(0);
+    is >> word;
+    return word;
+}
+
+std::string_view firstWord(std::string_view text) {
+    constexpr auto blanks = " \t\n\v\f\r";
+    auto const begin = text.find_first_not_of(blanks);
+    if (begin == std::string_view::npos) { return {}; }
+    auto const word = text.substr(begin);
+    return word.substr(0, word.find_first_of(blanks));
+}
+
+} // namespace enums
+
+} // namespace zorv

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/tables/FramedRecord.h"
+#include "platform/libtransport/tables/MemberTable.h"
+
+#include <memory>
+
+namespace zorv {
+
+template <class Self, class Base> void FramedRecord<Self, Base>::serialInserter(Serializer& s) const {
+    insertFrame<Base>(s, serialName(), static_cast<Self const&>(*this), Self::Wire::members);
+}
+
+template <class Self, class Base> void FramedRecord<Self, Base>::serialExtract(Serializer& s) {
+    extractFrame<Base>(s, static_cast<Self&>(*this), Self::Wire::members);
+}
+
+template <class Self, class Base>
+Serializable* FramedRecord<Self, Base>::serialFactory(Serializer& s, Serializable* target) {
+    return extractOrMake(s, target, [] { return std::make_unique<Self>(); });
+}
+
+template <class Self, class Base> char const* FramedRecord<Self, Base>::serialName() noexcept {
+    return Self::registrar.serialName().c_str();
+}
+
+template <class Self, class Base> TypeDescriptor FramedRecord<Self, Base>::describe() {
+    return describeRecord(Self::NAME, Self(), Self::Wire::members);
+}
+
+} // namespace zorv
