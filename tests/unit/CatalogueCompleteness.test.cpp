@@ -42,33 +42,28 @@ std::string contents(std::string const& file) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-TEST(CatalogueCompleteness, HasTwentyEightMessages) { EXPECT_EQ(messages().size(), 28U); }
-
-TEST(CatalogueCompleteness, HasNineteenEnumerationsOfItsOwn) {
-    std::size_t declared = 0;
+TEST(CatalogueCompleteness, ListsEveryMessageThatHasAHeader) {
+    Names headers;
     for (auto const& entry : boost::filesystem::directory_iterator(sourcePath("zwave/libquillet"))) {
-        if (entry.path().extension() != ".h") { continue; }
-        auto const text = contents("zwave/libquillet/" + entry.path().filename().string());
-        auto const declaration = std::string("ZORV_ENUM_DECLARE(QUILLET_EXPORT)");
-        for (auto at = text.find(declaration); at != std::string::npos; at = text.find(declaration, at + 1)) {
-            ++declared;
-        }
+        auto const name = entry.path().stem().string();
+        if (entry.path().extension() != ".h" || name.size() < 4) { continue; }
+        auto const ending = name.substr(name.size() - 3);
+        if (ending == "Msg" || ending == "Evt") { headers.insert("zorv::" + name); }
     }
-    EXPECT_EQ(declared, 19U);
+    EXPECT_EQ(headers, messages());
 }
 
-TEST(CatalogueCompleteness, RegistersItsMessagesAndFourOthers) {
+TEST(CatalogueCompleteness, RegistersItsMessagesAndTheClassesBesideThem) {
     Names registered;
     for (auto const& name : SerialRegistry::names()) { registered.insert(name); }
     registered.erase("zorv::SampleMsg"); // registered by Confirmable.test.cpp
     EXPECT_EQ(registered, everything());
-    EXPECT_EQ(registered.size(), 32U);
 }
 
 TEST(CatalogueCompleteness, HasAGoldenTextOfEachRegisteredClassAndOfNoOther) {
     Names golden;
     for (auto const& entry : boost::filesystem::directory_iterator(sourcePath("tests/golden"))) {
-        golden.insert("zorv::" + entry.path().stem().string());
+        if (entry.path().extension() == ".json") { golden.insert("zorv::" + entry.path().stem().string()); }
     }
     EXPECT_EQ(golden, everything());
 }
