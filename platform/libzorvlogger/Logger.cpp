@@ -1,12 +1,15 @@
 #include "platform/libzorvlogger/Logger.h"
 
+#include "platform/libzorvlogger/NonBlockingConsoleImpl.h"
 #include "platform/libzorvlogger/printable.h"
 
-#include <log4cplus/consoleappender.h>
 #include <log4cplus/initializer.h>
 #include <log4cplus/layout.h>
 #include <log4cplus/logger.h>
 
+#include <unistd.h>
+
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -29,25 +32,41 @@ public:
     Log() {
         auto root = log4cplus::Logger::getRoot();
         if (!root.getAllAppenders().empty()) { return; }
-        bool const toStderr = true;
-        bool const flushEachLine = true;
-        console_ = new log4cplus::ConsoleAppender(toStderr, flushEachLine);
-        console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%D{%Y-%m-%dT%H:%M:%S.%q} %p %m%n"));
-        console_->setThreshold(log4cplus::WARN_LOG_LEVEL);
+        console_ = new NonBlockingConsole(STDERR_FILENO);
+        console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%d{%Y-%m-%dT%H:%M:%S.%qZ} %p %m%n")); // UTC
+        consoleThreshold(LogLevel::warn);
         root.addAppender(console_);
         // log4cplus starts four threads for asynchronous appenders as it is loaded. Here is none: it keeps one of them.
         log4cplus::setThreadPoolSize(0);
     }
 
+    // The console's code goes with this library; log4cplus may stay.
+    ~Log() {
+        if (console_) { log4cplus::Logger::getRoot().removeAppender(console_); }
+    }
+
+    Log(Log const&) = delete;
+    Log& operator=(Log const&) = delete;
+
     log4cplus::Logger& logger() { return logger_; }
 
     void consoleThreshold(LogLevel level) {
-        if (console_) { console_->setThreshold(toLog4cplus(level)); }
+        if (!console_) { return; }
+        console_->setThreshold(toLog4cplus(level));
+        consoleLevel_ = toLog4cplus(level);
+    }
+
+    /// Whether some appender may show the level.
+    bool enabled(log4cplus::LogLevel level) const {
+        if (!logger_.isEnabledFor(level)) { return false; }
+        return level >= consoleLevel_ || log4cplus::Logger::getRoot().getAllAppenders().size() != 1;
     }
 
 private:
     log4cplus::Logger logger_ = log4cplus::Logger::getInstance("zorv");
     log4cplus::SharedAppenderPtr console_;
+    std::atomic<log4cplus::LogLevel> consoleLevel_{
+        log4cplus::ALL_LOG_LEVEL}; // the lowest where the console is not ours
 };
 
 Log& theLog() {
@@ -65,13 +84,12 @@ void Logger::initialize() { theLog(); }
 
 void Logger::consoleThreshold(LogLevel level) { theLog().consoleThreshold(level); }
 
-bool Logger::enabled(LogLevel level) { return theLog().logger().isEnabledFor(toLog4cplus(level)); }
+bool Logger::enabled(LogLevel level) { return theLog().enabled(toLog4cplus(level)); }
 
 void Logger::log(LogLevel level, std::string const& text, boost::source_location const& where) {
-    auto& logger = theLog().logger();
-    if (!logger.isEnabledFor(toLog4cplus(level))) { return; }
-    logger.forcedLog(toLog4cplus(level), printableLines(text), where.file_name(), static_cast<int>(where.line()),
-                     where.function_name());
+    if (!enabled(level)) { return; }
+    theLog().logger().forcedLog(toLog4cplus(level), printableLines(text), where.file_name(),
+                                static_cast<int>(where.line()), where.function_name());
 }
 
 } // namespace zorv
