@@ -160,7 +160,7 @@ public:
         return command;
     }
 
-    ExitCode run(Daemon const&, Output& output) override {
+    ExitCode run(DaemonAddress const&, Output& output) override {
         if (!name_.empty()) {
             auto const& message = findMessage(name_);
             output.show(toRows(message), toLine(message));

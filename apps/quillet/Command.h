@@ -15,7 +15,7 @@ class App;
 namespace zorv {
 
 /// Where the daemon is. A command that needs it opens a Session.
-struct Daemon {
+struct DaemonAddress {
     std::string host;
     unsigned short port;
     std::chrono::milliseconds timeout; ///< for the connection and for each answer
@@ -32,7 +32,7 @@ public:
     /// Adds the subcommand, and gives back what CLI11 made of it.
     virtual CLI::App* addTo(CLI::App& app) = 0;
 
-    virtual ExitCode run(Daemon const& daemon, Output& output) = 0;
+    virtual ExitCode run(DaemonAddress const& daemon, Output& output) = 0;
 };
 
 std::unique_ptr<Command> makeCatalogueCommand();

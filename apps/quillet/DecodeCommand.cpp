@@ -64,7 +64,7 @@ public:
         return app.add_subcommand("decode", "Show the messages that come on standard input as lines of JSON");
     }
 
-    ExitCode run(Daemon const&, Output& output) override {
+    ExitCode run(DaemonAddress const&, Output& output) override {
         auto code = ExitCode::ok;
         std::size_t number = 0;
         for (std::string line; std::getline(std::cin, line);) {

@@ -27,7 +27,7 @@ public:
         return command;
     }
 
-    ExitCode run(Daemon const&, Output& output) override {
+    ExitCode run(DaemonAddress const&, Output& output) override {
         Serializer request;
         request << opencurly << Serializer::name << colon << findMessage(name_).serialName << closecurly;
         Serializer example;

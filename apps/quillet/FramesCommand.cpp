@@ -199,7 +199,7 @@ public:
         return command;
     }
 
-    ExitCode run(Daemon const&, Output& output) override {
+    ExitCode run(DaemonAddress const&, Output& output) override {
         std::ifstream file(file_);
         if (!file) { throw ExitError(ExitCode::usage, file_ + ": cannot be read"); }
         FrameListing listing;

@@ -198,7 +198,7 @@ public:
         return nvm;
     }
 
-    ExitCode run(Daemon const&, Output& output) override {
+    ExitCode run(DaemonAddress const&, Output& output) override {
         ManageNvmMsg message;
         auto const result = message.read(file_);
         BackupCheck const check(file_, result, message);

@@ -1,3 +1,4 @@
+#include "apps/commandLine.h"
 #include "apps/quillet/Command.h"
 #include "apps/quillet/Seconds.h"
 #include "apps/quillet/Session.h"
@@ -36,7 +37,7 @@ public:
         command->add_option("--count", count_, "Number of pings")
             ->type_name("N")
             ->capture_default_str()
-            ->check(CLI::Range(1, maxCount).description(""));
+            ->check(wholeNumber(1, maxCount));
         command->add_option("--interval", interval_, "Seconds from one ping to the next")
             ->type_name("S")
             ->capture_default_str()
@@ -44,8 +45,8 @@ public:
         return command;
     }
 
-    ExitCode run(Daemon const& daemon, Output& output) override {
-        Session session(daemon.host, daemon.port, daemon.timeout);
+    ExitCode run(DaemonAddress const& daemon, Output& output) override {
+        Session session(daemon);
         auto const interval = toMilliseconds(interval_);
         auto code = ExitCode::ok;
         auto next = Clock::now();

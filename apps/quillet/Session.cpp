@@ -1,6 +1,9 @@
 #include "apps/quillet/Session.h"
 
 #include "platform/libio/connectTcp.h"
+#include "platform/libzorvlogger/printable.h"
+#include "zwave/libquillet/VersionMsg.h"
+#include "zwave/libquillet/protocolVersion.h"
 
 #include <csignal>
 #include <typeinfo>
@@ -8,25 +11,57 @@
 
 namespace zorv {
 
-Session::Session(std::string const& host, unsigned short port, std::chrono::milliseconds timeout)
-    : timeout_(timeout),
+Session::Session(DaemonAddress const& address)
+    : timeout_(address.timeout),
       interrupt_(loop_, {SIGINT}, [this](int) { end(ExitCode::interrupted, ""); }),
-      bus_(loop_, {[this](PeerId, BadMessageError const& error) {
-                       end(ExitCode::protocolError, std::string("the daemon sent what is no message: ") + error.what());
-                   },
-                   [this](PeerId, std::string const& reason) {
-                       end(ExitCode::noConnection, "lost the connection to the daemon: " + reason);
-                   }}) {
-    auto const place = host + " port " + std::to_string(port);
-    connectTcp(loop_, host, port, timeout, TcpLimits(),
+      // A daemon that says nothing at all is found out by the first request's own deadline.
+      bus_(loop_, busHandlers(), timeout_ + std::chrono::seconds(10)) {
+    // What the daemon says without being asked, but for its version, is that it does not want this client.
+    bus_.listen<Confirmable>([this](auto const& message, PeerId) {
+        end(ExitCode::noConnection, "the daemon refused the connection: " + toString(message->result()));
+    });
+    auto const place = address.host + " port " + std::to_string(address.port);
+    connectTcp(loop_, address.host, address.port, timeout_, TcpLimits(),
                [this, place](std::optional<TcpConnection> connection, std::string const& reason) {
                    if (!connection) {
                        return end(ExitCode::noConnection, "cannot connect to " + place + ": " + reason);
                    }
-                   daemon_ = bus_.attach(std::move(*connection));
+                   open(std::move(*connection));
                    loop_.stop();
                });
     wait();
+}
+
+MessageBus::Handlers Session::busHandlers() {
+    MessageBus::Handlers handlers;
+    handlers.opening = [this](PeerId, TMessage const& first) { return judgeOpening(first); };
+    handlers.badLine = [this](PeerId, BadMessageError const& error) {
+        end(ExitCode::protocolError, std::string("the daemon sent what is no message: ") + error.what());
+    };
+    handlers.left = [this](PeerId, std::string const& reason) {
+        end(ExitCode::noConnection, "lost the connection to the daemon: " + reason);
+    };
+    return handlers;
+}
+
+/// Each side tells its version without waiting for the other's; what is asked next need not wait either.
+void Session::open(TcpConnection connection) {
+    daemon_ = bus_.attach(std::move(connection));
+    bus_.send(daemon_, VersionMsg::create(protocolVersion));
+}
+
+/// What is wrong with the daemon's first message; empty where nothing is.
+std::string Session::judgeOpening(TMessage const& first) {
+    auto const* const version = dynamic_cast<VersionMsg const*>(&first);
+    std::string complaint;
+    if (version == nullptr) {
+        complaint = "the daemon did not tell its version but sent " + first.name();
+    } else if (!understands(version->protocolVersion())) {
+        complaint = "the daemon speaks protocol version " + printable(version->protocolVersion()) +
+                    ", this client speaks " + protocolVersion;
+    }
+    if (!complaint.empty()) { end(ExitCode::protocolError, complaint); }
+    return complaint;
 }
 
 boost::shared_ptr<Confirmable> Session::ask(boost::shared_ptr<Confirmable> const& request) {

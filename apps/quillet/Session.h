@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/quillet/Command.h"
 #include "apps/quillet/ExitCode.h"
 
 #include "platform/libio/EventLoop.h"
@@ -21,7 +22,7 @@ namespace zorv {
 /// connection is lost, or when the daemon sends what is no message.
 class Session {
 public:
-    Session(std::string const& host, unsigned short port, std::chrono::milliseconds timeout);
+    explicit Session(DaemonAddress const& address);
 
     /// The daemon's answer; a copy of the request with result "timeout" where none came in time.
     ///
@@ -32,6 +33,9 @@ public:
     void pause(std::chrono::milliseconds duration);
 
 private:
+    MessageBus::Handlers busHandlers();
+    void open(TcpConnection connection);
+    std::string judgeOpening(TMessage const& first);
     void wait();
     void end(ExitCode code, std::string const& text);
 

@@ -1,3 +1,4 @@
+#include "apps/commandLine.h"
 #include "apps/quillet/Command.h"
 #include "apps/quillet/ExitCode.h"
 #include "apps/quillet/Output.h"
@@ -33,7 +34,7 @@ void addTo(CLI::App& app, Options& options) {
     app.add_option("--port", options.port, "The daemon's port")
         ->type_name("PORT")
         ->capture_default_str()
-        ->check(CLI::Range(1, 65535).description(""));
+        ->check(zorv::wholeNumber(1, 65535));
     app.add_option("--timeout", options.timeout, "Seconds to wait for the connection and for each answer")
         ->type_name("S")
         ->capture_default_str()
@@ -63,9 +64,7 @@ int main(int argc, char** argv) {
     for (auto const& command : commands) { byApp.emplace(command->addTo(app), command.get()); }
     try {
         app.parse(argc, argv);
-    } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? static_cast<int>(ExitCode::ok) : static_cast<int>(ExitCode::usage);
-    }
+    } catch (CLI::ParseError const& error) { return zorv::endWithUsage(app, error, static_cast<int>(ExitCode::usage)); }
     auto code = ExitCode::ok;
     try {
         code = run(options, *byApp.at(app.get_subcommands().front()));

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <string>
 
 namespace zorv {
 
@@ -23,10 +24,14 @@ public:
     TcpListener::Endpoint local() const { return listener_.local(); }
 
 private:
+    MessageBus::Handlers busHandlers();
     void handleMessages();
-    void ping(boost::shared_ptr<PingMsg> const& request);
+    void welcome(TcpConnection connection);
+    void ping(boost::shared_ptr<PingMsg> const& request, PeerId from);
 
+    static std::string judgeOpening(TMessage const& first);
     void reject(PeerId from, BadMessageError const& error);
+    void tellVersion(PeerId to);
     void after(std::chrono::milliseconds delay, std::function<void()> work);
 
     EventLoop& loop_;

@@ -1,6 +1,9 @@
+#include "apps/commandLine.h"
 #include "apps/zwaved/Daemon.h"
 #include "apps/zwaved/readNetwork.h"
 
+#include "platform/libio/TcpBudget.h"
+#include "platform/libio/availableMemory.h"
 #include "platform/libzorvlogger/Logger.h"
 #include "platform/libzorvlogger/printable.h"
 
@@ -8,10 +11,14 @@
 
 #include <boost/asio/ip/tcp.hpp>
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <csignal>
 #include <cstddef>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <string>
 
 namespace {
@@ -19,13 +26,33 @@ namespace {
 constexpr int cannotRun = 1;
 constexpr int wrongUsage = 2;
 
+constexpr std::size_t kibibyte = 1024;
+constexpr std::size_t mebibyte = 1024 * kibibyte;
+constexpr std::size_t mostBytes = 1024 * mebibyte; // that any limit may be
+constexpr std::size_t mostClients = 65536;
+
+/// For the buffers of all clients together: little beside what the machine has, and enough for a few long lines.
+std::size_t defaultMemory() { return std::clamp(zorv::availableMemory() / 16, mebibyte, 24 * mebibyte); }
+
 struct Options {
     std::string listen = "127.0.0.1";
     unsigned short port = 4123;
     std::string networkFile;
-    zorv::TcpLimits limits;
+    std::size_t maxLine = 8 * mebibyte;
+    std::size_t maxBacklog = 8 * mebibyte;
+    std::size_t maxMemory = defaultMemory();
+    std::size_t maxClients = 256;
     zorv::LogLevel logLevel = zorv::LogLevel::warn;
 };
+
+/// A limit in the unit that `description` names.
+void addLimit(CLI::App& app, std::string const& name, std::size_t& limit, std::size_t lowest, std::size_t highest,
+              std::string const& description) {
+    app.add_option(name, limit, description)
+        ->type_name("N")
+        ->capture_default_str()
+        ->check(zorv::wholeNumber(lowest, highest));
+}
 
 void addTo(CLI::App& app, Options& options) {
     std::map<std::string, zorv::LogLevel> const levels{{"debug", zorv::LogLevel::debug},
@@ -45,19 +72,28 @@ void addTo(CLI::App& app, Options& options) {
             ""));
     app.add_option("--port", options.port, "Port to listen on, 0 for any free one")
         ->type_name("PORT")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(zorv::wholeNumber(0, 65535));
     app.add_option("--network", options.networkFile, "Description of the simulated network (default: built in)")
         ->type_name("FILE");
-    app.add_option("--max-line", options.limits.line, "Longest line that is read, in bytes")
-        ->type_name("BYTES")
-        ->capture_default_str();
-    app.add_option("--max-backlog", options.limits.backlog,
-                   "Most that may wait for a client that does not read, in bytes")
-        ->type_name("BYTES")
-        ->capture_default_str();
+    addLimit(app, "--max-line", options.maxLine, 256, mostBytes, "Longest line that is read or answered, in bytes");
+    addLimit(app, "--max-backlog", options.maxBacklog, kibibyte, mostBytes,
+             "Most that may wait for a client that does not read, in bytes");
+    addLimit(app, "--max-memory", options.maxMemory, mebibyte, mostBytes,
+             "Most that may wait of and for all clients together, in bytes");
+    addLimit(app, "--max-clients", options.maxClients, 1, mostClients, "Most clients at a time");
     app.add_option("--log-level", options.logLevel, "Lowest level that is logged to stderr: debug, info, warn, error")
         ->type_name("LEVEL")
         ->transform(CLI::CheckedTransformer(levels).description(""));
+}
+
+zorv::TcpLimits limitsFor(Options const& options, zorv::EventLoop& loop) {
+    zorv::TcpLimits limits;
+    // No single client can want so much that all the others have to go.
+    limits.line = std::min(options.maxLine, options.maxMemory / 2);
+    limits.backlog = std::min(options.maxBacklog, options.maxMemory / 2);
+    limits.budget = std::make_shared<zorv::TcpBudget>(loop, options.maxMemory, options.maxClients);
+    return limits;
 }
 
 void run(Options const& options) {
@@ -65,7 +101,7 @@ void run(Options const& options) {
     zorv::EventLoop loop;
     zorv::SignalWatch const signals(loop, {SIGINT, SIGTERM}, [&loop](int) { loop.stop(); });
     zorv::TcpListener::Endpoint const local(boost::asio::ip::make_address(options.listen), options.port);
-    zorv::Daemon const daemon(loop, local, options.limits, network);
+    zorv::Daemon const daemon(loop, local, limitsFor(options, loop), network);
     std::cout << "listening on " << daemon.local() << std::endl;
     loop.run();
 }
@@ -74,12 +110,14 @@ void run(Options const& options) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
+    // Long lines go back to the system when they are done with, instead of leaving holes among small things.
+    ::mallopt(M_MMAP_THRESHOLD, static_cast<int>(128 * kibibyte));
     Options options;
     CLI::App app("Reference daemon of a simulated Z-Wave network", "zwaved");
     addTo(app, options);
     try {
         app.parse(argc, argv);
-    } catch (CLI::ParseError const& error) { return app.exit(error) == 0 ? 0 : wrongUsage; }
+    } catch (CLI::ParseError const& error) { return zorv::endWithUsage(app, error, wrongUsage); }
     zorv::Logger::initialize();
     zorv::Logger::consoleThreshold(options.logLevel);
     try {

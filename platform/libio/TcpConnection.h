@@ -4,6 +4,7 @@
 
 #include <boost/asio/ip/basic_endpoint.hpp>
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -15,19 +16,26 @@ class tcp;
 
 namespace zorv {
 
+class TcpBudget;
 struct TcpSocket;
 
-/// How much one peer may ask of this process, in bytes.
+/// How much one peer may ask of this process.
 struct TcpLimits {
-    std::size_t line = std::size_t{16} << 20U;    ///< longest line that is read, without its end
-    std::size_t backlog = std::size_t{32} << 20U; ///< most that may wait to be sent to a peer that does not read
+    std::size_t line = std::size_t{16} << 20U;    ///< longest line that is read, without its end, bytes
+    std::size_t backlog = std::size_t{16} << 20U; ///< most that may wait to be sent to a peer that does not read, bytes
+
+    /// How long a peer that is to go may still read what waits for it.
+    std::chrono::milliseconds farewell = std::chrono::seconds(10);
+
+    /// Bounds all connections that share it; none: there is no bound over all.
+    std::shared_ptr<TcpBudget> budget;
 };
 
 /// One end of a TCP connection that carries lines of text; all of it belongs to the event loop's thread.
 ///
 /// A line ends with "\n"; "\r\n" is read as well. What is sent waits in a queue, so that no peer can block this
-/// process; a peer that lets more than the backlog limit wait is disconnected. A single line may always wait, whatever
-/// its length.
+/// process; a peer that lets more than the backlog limit wait is disconnected, and so is one for whose lines the memory
+/// runs out. A peer that sends many lines at once has them read a few at a time, so that the others get their turns.
 class ZORV_EXPORT TcpConnection {
 public:
     using Endpoint = boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>;
@@ -38,6 +46,10 @@ public:
 
         /// A line passed the limit. What is sent during this call still reaches the peer, then the connection ends.
         std::function<void()> overlong;
+
+        /// The peer sends nothing any more, but may still read: called once, and then finish() ends the connection.
+        /// Without this handler the connection ends at once.
+        std::function<void()> inputEnded;
 
         /// The connection ended, for whatever reason; called once, and never during a call to the connection.
         std::function<void(std::string const& reason)> closed;
@@ -59,7 +71,18 @@ public:
     /// Queues one line, given without its end; nothing happens on a connection that has ended.
     void send(std::string const& line);
 
-    void close();
+    /// The longest line that can be sent: a longer one would pass the line limit, or the backlog limit by itself.
+    std::size_t longestLine() const noexcept;
+
+    /// Counts memory that is kept elsewhere for this peer as the peer's, in place of what was counted so before.
+    void occupy(std::size_t bytes);
+
+    /// Ends the connection at once.
+    void close(std::string const& reason = "closed here");
+
+    /// Ends the connection once the peer has got what was sent before, or after the farewell time; what it still sends
+    /// is thrown away.
+    void finish(std::string const& reason);
 
     /// The peer's address and port; 0.0.0.0:0 where the peer was gone before it could be asked.
     Endpoint const& remote() const noexcept;

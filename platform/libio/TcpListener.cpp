@@ -1,6 +1,7 @@
 #include "platform/libio/TcpListener.h"
 
 #include "platform/libio/EventLoop.h"
+#include "platform/libio/TcpBudget.h"
 #include "platform/libio/TcpSocket.h"
 #include "platform/libzorvlogger/Logger.h"
 
@@ -8,8 +9,15 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/lexical_cast.hpp>
 
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <chrono>
+#include <cstddef>
+#include <new>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace zorv {
@@ -31,6 +39,7 @@ struct TcpListener::Impl : std::enable_shared_from_this<TcpListener::Impl> {
             acceptor.set_option(tcp::acceptor::reuse_address(true));
             acceptor.bind(local);
             acceptor.listen();
+            acceptor.native_non_blocking(true);
         } catch (boost::system::system_error const& error) {
             throw std::runtime_error("cannot listen on " + boost::lexical_cast<std::string>(local) + ": " +
                                      error.code().message());
@@ -40,26 +49,59 @@ struct TcpListener::Impl : std::enable_shared_from_this<TcpListener::Impl> {
     void accept() {
         acceptor.async_accept([self = shared_from_this()](error_code const& error, tcp::socket socket) {
             if (self->closed) { return; }
-            if (error == boost::asio::error::connection_aborted) {
+            if (isExhaustion(error) && self->dropNewcomer()) {
+                self->refuse(error.message());
                 self->accept();
-            } else if (error) {
-                self->retry(error);
+            } else if (error && error != boost::asio::error::connection_aborted) {
+                self->refuse(error.message());
+                self->retryLater();
             } else {
-                self->failing = false;
-                self->accepted(TcpConnection(TcpSocket{std::move(socket)}, self->limits));
+                if (!error) { self->take(std::move(socket)); }
                 if (!self->closed) { self->accept(); }
             }
         });
     }
 
-    /// The connection that could not be accepted, for want of a file descriptor say, stays ready: asking again at once
-    /// would be a busy loop.
-    void retry(error_code const& error) {
-        if (!failing) {
-            Logger::log(LogLevel::warn, "TcpListener: cannot accept connections: " + error.message(),
-                        BOOST_CURRENT_LOCATION);
-        }
-        failing = true;
+    void take(tcp::socket socket) {
+        if (limits.budget && limits.budget->full()) { return refuse("too many clients"); }
+        if (refused > 0) { log("accepts connections again, " + std::to_string(refused) + " were refused"); }
+        refused = 0;
+        try {
+            accepted(TcpConnection(TcpSocket{std::move(socket)}, limits));
+        } catch (std::bad_alloc const&) { refuse("no memory left for them"); }
+    }
+
+    static bool isExhaustion(error_code const& error) {
+        return error == boost::system::errc::too_many_files_open ||
+               error == boost::system::errc::too_many_files_open_in_system;
+    }
+
+    /// Takes the first connection that waits, by the descriptor that is kept for this, and closes it: it would wait
+    /// for ever otherwise, and be reported again and again. False where that is not possible.
+    bool dropNewcomer() {
+        if (spare < 0) { return false; }
+        ::close(spare);
+        auto const newcomer = ::accept(acceptor.native_handle(), nullptr, nullptr);
+        if (newcomer >= 0) { ::close(newcomer); }
+        spare = openSpare();
+        return newcomer >= 0;
+    }
+
+    static int openSpare() { return ::open("/dev/null", O_RDONLY | O_CLOEXEC); }
+
+    /// Logs the first of a series of connections that cannot be served, and counts them.
+    void refuse(std::string const& why) {
+        if (refused == 0) { log("cannot accept connections: " + why); }
+        ++refused;
+    }
+
+    static void log(std::string const& text) {
+        Logger::log(LogLevel::warn, "TcpListener: " + text, BOOST_CURRENT_LOCATION);
+    }
+
+    /// The connection that could not be accepted stays ready: asking again at once would be a busy loop.
+    void retryLater() {
+        if (spare < 0) { spare = openSpare(); }
         retryTimer.expires_after(retryTime);
         retryTimer.async_wait([self = shared_from_this()](error_code const& cancelled) {
             if (!cancelled && !self->closed) { self->accept(); }
@@ -71,13 +113,15 @@ struct TcpListener::Impl : std::enable_shared_from_this<TcpListener::Impl> {
         error_code ignored;
         acceptor.close(ignored);
         retryTimer.cancel(ignored);
+        if (spare >= 0) { ::close(std::exchange(spare, -1)); }
     }
 
     tcp::acceptor acceptor;
     boost::asio::steady_timer retryTimer;
     TcpLimits limits;
     Accepted accepted;
-    bool failing = false; // has been logged
+    std::size_t refused = 0; // connections of the series that is going on
+    int spare = openSpare(); // a descriptor to do with when there are no others
     bool closed = false;
 };
 

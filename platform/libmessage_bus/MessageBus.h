@@ -3,6 +3,7 @@
 #include "platform/Export.h"
 #include "platform/libio/EventLoop.h"
 #include "platform/libio/TcpConnection.h"
+#include "platform/libmessage_bus/Allowance.h"
 #include "platform/libtransport/TConfirmable.h"
 #include "platform/libtransport/readMessage.h"
 
@@ -35,25 +36,42 @@ enum class Direction { received, sent };
 ///
 /// Every message that arrives gets the peer's address as its source. A message that answers a request of this process
 /// goes to the request's own handler, any other one to the handler of its class. A confirmable message that has no
-/// handler, or comes on top of too many unanswered ones, is answered with result "rejected"; one whose handler throws,
-/// with "failure".
+/// handler, or comes on top of too many unanswered ones, is answered with an empty message of its class with result
+/// "rejected"; one whose handler throws, or whose answer cannot be sent, with such a one with "failure". What carries a
+/// correlation is an answer, and an answer is never answered; nor is what carries no header, which could not be told
+/// apart from an answer.
 class ZORV_EXPORT MessageBus {
 public:
     using MessagePtr = boost::shared_ptr<TMessage>;
     using ConfirmablePtr = boost::shared_ptr<TConfirmable>;
 
     struct Handlers {
-        /// A line that is no message arrived, or an over-long one.
+        /// Judges the first message of a peer, before anything else of it is looked at: a complaint, or an empty text.
+        /// Without this handler, peers need not open their connections.
+        std::function<std::string(PeerId from, TMessage const& first)> opening;
+
+        /// A line that is no message arrived, or an over-long one, or a first message that was complained of.
         std::function<void(PeerId from, BadMessageError const& error)> badLine;
+
+        /// A peer sends nothing any more. It may still read, and gets the answers to its requests before it goes.
+        std::function<void(PeerId peer)> inputEnded;
 
         /// A peer is gone; its requests and its subscriptions are forgotten.
         std::function<void(PeerId peer, std::string const& reason)> left;
     };
 
     /// Most requests of one peer that may wait for their answers.
-    static constexpr std::size_t unansweredLimit = 10000;
+    static constexpr std::size_t unansweredLimit = 1000;
 
-    explicit MessageBus(EventLoop& loop, Handlers handlers = {});
+    /// Most late answers that are known as such.
+    static constexpr std::size_t expiredLimit = 1024;
+
+    /// A peer whose bad lines exceed so many at once, and one more in each second, is disconnected.
+    static constexpr int badLineLimit = 100;
+
+    /// A peer that has not opened its connection after `openingTime` is disconnected.
+    explicit MessageBus(EventLoop& loop, Handlers handlers = {},
+                        std::chrono::milliseconds openingTime = std::chrono::seconds(10));
 
     MessageBus(MessageBus const&) = delete;
     MessageBus& operator=(MessageBus const&) = delete;
@@ -83,9 +101,9 @@ public:
         addHandler(std::move(handler), false);
     }
 
-    /// Sends a response to the peer whose request it answers; it is dropped when that peer is gone, and logged when it
-    /// cannot be written.
-    void answer(ConfirmablePtr const& response);
+    /// Sends the response to the request of `asker` that it correlates with; it is dropped when that peer is gone. One
+    /// that cannot be written, or is longer than a line may be, is logged, and an empty one with "failure" is sent.
+    void answer(PeerId asker, ConfirmablePtr const& response);
 
     /// Sends a message to one peer; it is dropped when that peer is gone. A SerializerError where it cannot be written.
     void send(PeerId to, MessagePtr const& message);
@@ -95,7 +113,8 @@ public:
     /// Sends a request and has `answered` called once, by the loop: with the answer, or after `deadline` with a copy of
     /// the request that has result "timeout", or with one that has result "failure" when the peer is gone.
     ///
-    /// An answer that comes after its deadline is dropped and logged.
+    /// Only the peer that was asked can answer. What comes after the deadline is dropped and logged. A request that
+    /// carries no header is answered by the next message of its class.
     void request(PeerId to, ConfirmablePtr const& request, std::chrono::milliseconds deadline, Answered answered);
 
     // ---- events
@@ -117,17 +136,34 @@ public:
 
 private:
     struct Peer {
+        explicit Peer(TcpConnection&& theConnection) : connection(std::move(theConnection)) {}
+
         TcpConnection connection;
+        Timer opening; // runs as long as the peer has not opened its connection
+        bool opened = false;
+        bool inputEnded = false;
         std::set<std::string> events;
         MakeCopy makeCopy; // empty unless the peer observes
         std::size_t unanswered = 0;
+        std::size_t unansweredBytes = 0;
+        Allowance badLines{badLineLimit, 1};
+        Allowance complaints{5, 1}; // lines in the log
+        std::size_t leftOut = 0;    // complaints that were not logged
+    };
+
+    /// A message's identity, together with the peer that it came from or went to: two peers may use the same one.
+    using Key = std::pair<PeerId, boost::uuids::uuid>;
+
+    struct Asked {
+        ConfirmablePtr request;
+        std::size_t bytes;
     };
 
     struct Pending {
-        PeerId peer;
         ConfirmablePtr request;
         Answered answered;
         Timer deadline;
+        bool carriesHeader;
     };
 
     struct ClassHandler {
@@ -144,24 +180,36 @@ private:
     }
 
     void received(PeerId from, std::string const& line);
+    void open(PeerId from, MessagePtr const& first);
+    void refuseLine(PeerId from, BadMessageError const& error);
+    void inputEnded(PeerId from);
     void closed(PeerId peer, std::string const& reason);
-    void dispatch(PeerId from, MessagePtr const& message);
-    void dispatchRequest(PeerId from, ClassHandler const& handler, ConfirmablePtr const& request);
+    void dispatch(PeerId from, MessagePtr const& message, std::size_t bytes);
+    void dispatchRequest(PeerId from, ClassHandler const& handler, ConfirmablePtr const& request, std::size_t bytes);
     static bool call(ClassHandler const& handler, PeerId from, MessagePtr const& message);
     bool settle(PeerId from, ConfirmablePtr const& answer);
-    void finish(boost::uuids::uuid const& id, TResult::Enum result);
-    void deliver(PeerId to, std::string const& text);
+    bool settleByClass(PeerId from, ConfirmablePtr const& answer);
+    void settle(std::map<Key, Pending>::iterator pending, ConfirmablePtr const& answer);
+    void finish(Key const& key, TResult::Enum result);
+    void finishAll(PeerId peer);
+    void reject(PeerId to, TConfirmable const& request);
+    bool sendAnswer(PeerId to, ConfirmablePtr const& response);
+    void deliver(PeerId to, MessagePtr const& message, std::string const& text);
     void show(Direction direction, PeerId peer, MessagePtr const& message);
+    void complain(PeerId of, std::string const& text);
+    static std::string nameOf(Peer const& peer);
 
     EventLoop& loop_;
     Handlers handlers_;
+    std::chrono::milliseconds openingTime_;
     std::map<std::type_index, ClassHandler> classHandlers_;
     std::uint64_t lastPeer_ = 0;
     std::map<PeerId, Peer> peers_;
-    std::multimap<boost::uuids::uuid, PeerId> askers_; // of the unanswered requests, by the requests' identities
-    std::map<boost::uuids::uuid, Pending> pending_;    // requests of this process
-    std::deque<boost::uuids::uuid> expired_;           // the latest of those that were not answered in time
+    std::multimap<Key, Asked> asked_; // unanswered requests of the peers
+    std::map<Key, Pending> pending_;  // requests of this process
+    std::deque<Key> expired_;         // the latest of those that were not answered in time
     std::size_t observerCount_ = 0;
+    Allowance complaints_{50, 20}; // lines in the log, of all peers together
 };
 
 } // namespace zorv

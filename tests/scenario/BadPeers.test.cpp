@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <csignal>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -14,13 +18,24 @@ using namespace scenario;
 
 void expectService(LineClient& client) {
     ASSERT_TRUE(client.sendLine(pingLine(1)));
-    EXPECT_EQ("PingMsg", client.receive()->name());
+    EXPECT_EQ(client.receive()->name(), "PingMsg");
+}
+
+unsigned short portOf(Process& daemon) {
+    auto const announcement = daemon.readLine();
+    return static_cast<unsigned short>(std::stoul(announcement.substr(announcement.rfind(':') + 1)));
+}
+
+int count(std::string const& text, std::string const& what) {
+    int found = 0;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) { ++found; }
+    return found;
 }
 
 TEST(BadPeers, OneThatDoesNotReadIsDroppedAndTheOthersAreServed) {
     DaemonProcess const daemon({"--max-backlog", "100000"});
-    LineClient good(daemon.port());
-    LineClient stalled(daemon.port(), 4096);
+    OpenClient good(daemon.port());
+    OpenClient stalled(daemon.port(), 4096);
     std::string pings;
     for (int i = 0; i < 200; ++i) { pings += pingLine(1) + "\n"; }
     bool dropped = false;
@@ -34,30 +49,30 @@ TEST(BadPeers, OneThatDoesNotReadIsDroppedAndTheOthersAreServed) {
 
 TEST(BadPeers, OneThatReadsSlowlyGetsEverything) {
     DaemonProcess const daemon;
-    LineClient slow(daemon.port(), 4096);
+    OpenClient slow(daemon.port(), 4096);
     for (int i = 0; i < 2000; ++i) { ASSERT_TRUE(slow.sendLine(pingLine(1))); }
-    for (int i = 0; i < 2000; ++i) { EXPECT_EQ("PingMsg", slow.receive()->name()); }
+    for (int i = 0; i < 2000; ++i) { EXPECT_EQ(slow.receive()->name(), "PingMsg"); }
 }
 
 TEST(BadPeers, HalfALineBlocksNobody) {
     DaemonProcess const daemon;
-    LineClient slow(daemon.port());
-    LineClient good(daemon.port());
+    OpenClient slow(daemon.port());
+    OpenClient good(daemon.port());
     auto const line = pingLine(1);
     ASSERT_TRUE(slow.send(line.substr(0, 100)));
     expectService(good);
     ASSERT_TRUE(slow.send(line.substr(100)));
     expectService(good);
     ASSERT_TRUE(slow.send("\n"));
-    EXPECT_EQ("PingMsg", slow.receive()->name());
+    EXPECT_EQ(slow.receive()->name(), "PingMsg");
 }
 
 TEST(BadPeers, OnesThatVanishInTheMiddleOfALineHarmNobody) {
     DaemonProcess const daemon;
-    LineClient good(daemon.port());
+    OpenClient good(daemon.port());
     for (int i = 0; i < 20; ++i) {
-        LineClient closing(daemon.port());
-        LineClient resetting(daemon.port());
+        OpenClient closing(daemon.port());
+        OpenClient resetting(daemon.port());
         ASSERT_TRUE(closing.send(pingLine(1).substr(0, 100)));
         ASSERT_TRUE(resetting.send(pingLine(1).substr(0, 100)));
         closing.close();
@@ -68,33 +83,132 @@ TEST(BadPeers, OnesThatVanishInTheMiddleOfALineHarmNobody) {
 
 TEST(BadPeers, OnesThatVanishBeforeTheirAnswersHarmNobody) {
     DaemonProcess const daemon;
-    LineClient good(daemon.port());
+    OpenClient good(daemon.port());
     for (int i = 0; i < 20; ++i) {
-        LineClient vanishing(daemon.port());
+        OpenClient vanishing(daemon.port());
         ASSERT_TRUE(vanishing.sendLine(pingLine(5)));
         ASSERT_TRUE(vanishing.sendLine(pingLine(1)));
         vanishing.reset();
     }
     ASSERT_TRUE(good.sendLine(pingLine(6))); // answered after all of those would have been
-    EXPECT_EQ("PingMsg", good.receive()->name());
+    EXPECT_EQ(good.receive()->name(), "PingMsg");
     expectService(good);
+}
+
+TEST(BadPeers, OneThatHoldsMostOfTheMemoryGoesBeforeThoseThatTakeLittle) {
+    DaemonProcess const daemon({"--max-memory", "1048576"});
+    OpenClient large(daemon.port());
+    ASSERT_TRUE(large.send(pingLine(1) + '\n' + std::string(400000, 'x'))); // half of it, when its buffer has grown
+    EXPECT_EQ(large.receive()->name(), "PingMsg");
+    std::vector<std::unique_ptr<OpenClient>> small;
+    for (int i = 0; i < 12; ++i) {
+        small.push_back(std::make_unique<OpenClient>(daemon.port()));
+        ASSERT_TRUE(small.back()->send(std::string(60000, ' ')));
+    }
+    EXPECT_TRUE(large.endsAfter(0));
+    for (auto& client : small) { expectService(*client); } // white space before a message is fine
+}
+
+TEST(BadPeers, MoreThanThereMayBeAreDroppedAtOnceUntilOneLeaves) {
+    DaemonProcess daemon({"--max-clients", "2"});
+    OpenClient first(daemon.port());
+    OpenClient second(daemon.port());
+    for (int i = 0; i < 3; ++i) { EXPECT_TRUE(LineClient(daemon.port()).endsAfter(0)); }
+    expectService(second);
+    first.close();
+    for (;;) {
+        LineClient next(daemon.port());
+        try {
+            next.receiveLine();
+            break;
+        } catch (std::out_of_range const&) {}
+    }
+    daemon.signal(SIGTERM);
+    EXPECT_EQ(daemon.wait(), 0);
+    EXPECT_EQ(count(daemon.errors(), "cannot accept connections: too many clients"), 1);
+    EXPECT_EQ(count(daemon.errors(), "accepts connections again, "), 1);
+}
+
+TEST(BadPeers, OneThatSendsNothingButNewlinesIsDroppedAndLoggedAFewTimes) {
+    DaemonProcess daemon;
+    OpenClient good(daemon.port());
+    OpenClient bad(daemon.port());
+    ASSERT_TRUE(bad.send(std::string(5000, '\n')));
+    EXPECT_TRUE(bad.endsAfter(101));
+    bad.close();
+    expectService(good);
+    daemon.waitForError(" complaints about 127.0.0.1:");
+    daemon.signal(SIGTERM);
+    EXPECT_EQ(daemon.wait(), 0);
+    EXPECT_GT(12, count(daemon.errors(), "bad line"));
+}
+
+TEST(BadPeers, OneThatEndsItsOutputGetsItsAnswersBeforeTheEnd) {
+    DaemonProcess const daemon;
+    OpenClient client(daemon.port());
+    ASSERT_TRUE(client.send(pingLine(9) + '\n' + pingLine(1) + '\n')); // the first answer takes 300 ms
+    client.endOutput();
+    EXPECT_TRUE(client.endsAfter(2));
+}
+
+TEST(BadPeers, LogThatNobodyReadsStopsNothingAndTellsWhatIsMissing) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    Process daemon({"/bin/sh", "-c", "exec \"$0\" --port 0 --log-level debug 2> /dev/fd/" + std::to_string(ends[1]),
+                    zorv::programPath("zwaved")});
+    OpenClient client(portOf(daemon));
+    for (int i = 0; i < 200; ++i) { expectService(client); } // some 800 bytes of log each, and a pipe holds 65536
+    std::string log(65536, ' ');
+    auto const size = ::read(ends[0], log.data(), log.size());
+    EXPECT_LT(30000, size);
+    expectService(client);
+    auto const rest = ::read(ends[0], log.data(), log.size());
+    ASSERT_LT(0, rest);
+    log.resize(static_cast<std::size_t>(rest));
+    EXPECT_NE(std::string::npos, log.find(" lines dropped, nobody read them\n")) << log;
+    ::close(ends[0]);
+    ::close(ends[1]);
 }
 
 // The undefined-behaviour sanitizer opens a pipe to look at objects, and takes a pipe that it cannot get for a bad object.
 #ifndef __SANITIZE_ADDRESS__
-TEST(BadPeers, MoreThanTheDaemonHasFileDescriptorsForAreServedOnceOthersLeave) {
-    Process daemon({"/bin/sh", "-c", "ulimit -n 24; exec \"$0\" --port 0", zorv::programPath("zwaved")});
-    auto const announcement = daemon.readLine();
-    auto const port = static_cast<unsigned short>(std::stoul(announcement.substr(announcement.rfind(':') + 1)));
+TEST(BadPeers, MemoryThatRunsOutEndsThoseThatTookIt) {
+    Process daemon({"/bin/sh", "-c",
+                    "ulimit -v 300000; exec \"$0\" --port 0 --max-memory 1073741824 --max-line 16000000",
+                    zorv::programPath("zwaved")});
+    auto const port = portOf(daemon);
+    OpenClient good(port);
     std::vector<std::unique_ptr<LineClient>> crowd;
-    for (int i = 0; i < 20; ++i) { crowd.push_back(std::make_unique<LineClient>(port)); }
-    auto& last = *crowd.back();
-    ASSERT_TRUE(last.sendLine(pingLine(1)));
-    daemon.waitForError("cannot accept connections: Too many open files");
-    expectService(*crowd.front());
-    for (std::size_t i = 1; i + 1 < crowd.size(); ++i) { crowd[i]->close(); }
-    EXPECT_EQ("PingMsg", last.receive()->name());
-    expectService(*crowd.front());
+    std::string const unfinished(15000000, 'x');
+    for (int i = 0; i < 30; ++i) {
+        crowd.push_back(std::make_unique<OpenClient>(port));
+        crowd.back()->send(unfinished);
+        expectService(good);
+    }
+    daemon.signal(SIGTERM);
+    EXPECT_EQ(daemon.wait(), 0);
+}
+
+TEST(BadPeers, NewcomersThatThereIsNoDescriptorForAreDroppedAtOnce) {
+    Process daemon({"/bin/sh", "-c", "ulimit -n 24; exec \"$0\" --port 0", zorv::programPath("zwaved")});
+    auto const port = portOf(daemon);
+    OpenClient first(port);
+    std::vector<std::unique_ptr<LineClient>> crowd;
+    for (int i = 0; i < 40; ++i) { crowd.push_back(std::make_unique<LineClient>(port)); }
+    EXPECT_TRUE(crowd.back()->endsAfter(0));
+    expectService(first);
+    crowd.clear();
+    for (;;) { // until the daemon has seen that the crowd is gone
+        LineClient next(port);
+        try {
+            next.receiveLine();
+            break;
+        } catch (std::out_of_range const&) {}
+    }
+    daemon.signal(SIGTERM);
+    EXPECT_EQ(daemon.wait(), 0);
+    EXPECT_EQ(count(daemon.errors(), "cannot accept connections: Too many open files"), 1);
+    EXPECT_EQ(count(daemon.errors(), "accepts connections again"), 1);
 }
 #endif
 

@@ -1,11 +1,14 @@
 #include "platform/libio/TcpListener.h"
 #include "platform/libio/connectTcp.h"
 #include "platform/libmessage_bus/MessageBus.h"
+#include "tests/scenario/LineClient.h"
 #include "tests/scenario/runLoop.h"
-#include "tests/unit/LogCapture.h"
+#include "tests/support/LogCapture.h"
 #include "zwave/libquillet/CliDisplayMsg.h"
 #include "zwave/libquillet/Confirmable.h"
 #include "zwave/libquillet/PingMsg.h"
+#include "zwave/libquillet/SubscribeMsg.h"
+#include "zwave/libquillet/VersionMsg.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/make_shared.hpp>
@@ -21,6 +24,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -42,12 +46,18 @@ struct Client {
     std::vector<std::string> events;
 };
 
+/// A request that waits for its answer, and who asked.
+struct Request {
+    boost::shared_ptr<PingMsg> ping;
+    PeerId from;
+};
+
 /// A server's bus and its clients, all on one loop.
 class Bus : public testing::Test {
 protected:
-    Client& addClient() {
+    Client& addClient(unsigned short port = 0) {
         auto& client = *clients_.emplace_back(std::make_unique<Client>(loop_));
-        connectTcp(loop_, "127.0.0.1", listener_.local().port(), seconds(20), TcpLimits(),
+        connectTcp(loop_, "127.0.0.1", port != 0 ? port : listener_.local().port(), seconds(20), TcpLimits(),
                    [this, &client](std::optional<TcpConnection> connection, std::string const&) {
                        client.server = client.bus.attach(std::move(*connection));
                        if (accepted_) { loop_.stop(); }
@@ -78,16 +88,23 @@ protected:
     void waitFor(Client& client) { ask(client, boost::make_shared<Confirmable>()); }
 
     void echoPings() {
-        server_.handle<PingMsg>(
-            [this](auto const& request, PeerId) { server_.answer(PingMsg::create(request, ZResult::success, 7)); });
+        server_.handle<PingMsg>([this](auto const& request, PeerId from) {
+            server_.answer(from, PingMsg::create(request, ZResult::success, 7));
+        });
+    }
+
+    MessageBus::Handlers serverHandlers() {
+        MessageBus::Handlers handlers;
+        handlers.left = [this](PeerId, std::string const& reason) {
+            left_.push_back(reason);
+            loop_.stop();
+        };
+        return handlers;
     }
 
     EventLoop loop_;
     std::vector<std::string> left_;
-    MessageBus server_{loop_, {{}, [this](PeerId, std::string const& reason) {
-                                   left_.push_back(reason);
-                                   loop_.stop();
-                               }}};
+    MessageBus server_{loop_, serverHandlers()};
     std::optional<PeerId> accepted_;
     std::function<void()> onAccepted_;
     TcpListener listener_{loop_, {boost::asio::ip::address_v4::loopback(), 0}, TcpLimits(), [this](TcpConnection it) {
@@ -106,30 +123,30 @@ TEST_F(Bus, BringsTheAnswerToItsRequest) {
     echoPings();
     auto const request = newPing();
     auto const answer = ask(addClient(), request);
-    EXPECT_EQ(request->id(), answer->correlation());
-    EXPECT_EQ(TResult::success, answer->result());
-    EXPECT_EQ(7U, boost::dynamic_pointer_cast<PingMsg>(answer)->latencyMs());
+    EXPECT_EQ(answer->correlation(), request->id());
+    EXPECT_EQ(answer->result(), TResult::success);
+    EXPECT_EQ(boost::dynamic_pointer_cast<PingMsg>(answer)->latencyMs(), 7U);
 }
 
 TEST_F(Bus, GivesEachMessageItsPeersAddressAsSource) {
     TMessage::Endpoint source;
-    server_.handle<PingMsg>([&](auto const& request, PeerId) {
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
         source = request->source();
-        server_.answer(PingMsg::create(request, ZResult::success, 7));
+        server_.answer(from, PingMsg::create(request, ZResult::success, 7));
     });
     auto const answer = ask(addClient(), newPing());
-    EXPECT_EQ("127.0.0.1", source.address().to_string());
+    EXPECT_EQ(source.address().to_string(), "127.0.0.1");
     EXPECT_NE(listener_.local(), source);
     EXPECT_EQ(listener_.local(), answer->source());
 }
 
 TEST_F(Bus, BringsAnswersToTheirAskersInWhateverOrderTheyAreGiven) {
-    std::vector<boost::shared_ptr<PingMsg>> requests;
-    server_.handle<PingMsg>([&](auto const& request, PeerId) {
-        requests.push_back(request);
+    std::vector<Request> requests;
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
+        requests.push_back({request, from});
         if (requests.size() == 3) {
             for (auto it = requests.rbegin(); it != requests.rend(); ++it) {
-                server_.answer(PingMsg::create(*it, ZResult::success, (*it)->destination().nodeId()));
+                server_.answer(it->from, PingMsg::create(it->ping, ZResult::success, it->ping->destination().nodeId()));
             }
         }
     });
@@ -144,16 +161,16 @@ TEST_F(Bus, BringsAnswersToTheirAskersInWhateverOrderTheyAreGiven) {
                            });
     }
     runLoop(loop_);
-    EXPECT_EQ((std::vector<unsigned int>{1, 2, 3}), answers);
+    EXPECT_EQ(answers, (std::vector<unsigned int>{1, 2, 3}));
 }
 
 TEST_F(Bus, TellsTwoAskersOfTheSameIdentityApart) {
-    std::vector<boost::shared_ptr<PingMsg>> requests;
-    server_.handle<PingMsg>([&](auto const& request, PeerId) {
-        requests.push_back(request);
+    std::vector<Request> requests;
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
+        requests.push_back({request, from});
         if (requests.size() == 2) {
             for (auto it = requests.rbegin(); it != requests.rend(); ++it) {
-                server_.answer(PingMsg::create(*it, ZResult::success, (*it)->source().port()));
+                server_.answer(it->from, PingMsg::create(it->ping, ZResult::success, it->ping->source().port()));
             }
         }
     });
@@ -172,34 +189,34 @@ TEST_F(Bus, TellsTwoAskersOfTheSameIdentityApart) {
         });
     }
     runLoop(loop_);
-    EXPECT_EQ(2, right);
+    EXPECT_EQ(right, 2);
 }
 
 TEST_F(Bus, AnswersARequestThatIsLateWithTimeout) {
     server_.handle<PingMsg>([](auto const&, PeerId) {});
     auto const request = newPing();
     auto const answer = ask(addClient(), request, milliseconds(20));
-    EXPECT_EQ(TResult::timeout, answer->result());
-    EXPECT_EQ(5, answer->result());
-    EXPECT_EQ("PingMsg", answer->name());
-    EXPECT_EQ(request->id(), answer->correlation());
+    EXPECT_EQ(answer->result(), TResult::timeout);
+    EXPECT_EQ(answer->result(), 5);
+    EXPECT_EQ(answer->name(), "PingMsg");
+    EXPECT_EQ(answer->correlation(), request->id());
     EXPECT_NE(request->id(), answer->id());
-    EXPECT_EQ(5, boost::dynamic_pointer_cast<PingMsg>(answer)->destination().nodeId());
+    EXPECT_EQ(boost::dynamic_pointer_cast<PingMsg>(answer)->destination().nodeId(), 5);
 }
 
 TEST_F(Bus, DropsAndLogsAnAnswerThatComesTooLate) {
     boost::shared_ptr<PingMsg> held;
-    server_.handle<PingMsg>([&](auto const& request, PeerId) {
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
         // The first one's answer waits for the second one.
-        if (held) { server_.answer(PingMsg::create(held, ZResult::success, 1)); }
-        if (held) { server_.answer(PingMsg::create(request, ZResult::success, 2)); }
+        if (held) { server_.answer(from, PingMsg::create(held, ZResult::success, 1)); }
+        if (held) { server_.answer(from, PingMsg::create(request, ZResult::success, 2)); }
         held = request;
     });
     auto& client = addClient();
     auto const first = newPing();
-    EXPECT_EQ(TResult::timeout, ask(client, first, milliseconds(20))->result());
+    EXPECT_EQ(ask(client, first, milliseconds(20))->result(), TResult::timeout);
     auto const second = boost::dynamic_pointer_cast<PingMsg>(ask(client, newPing()));
-    EXPECT_EQ(2U, second->latencyMs());
+    EXPECT_EQ(second->latencyMs(), 2U);
     EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: late answer dropped: PingMsg ")));
 }
 
@@ -215,26 +232,28 @@ TEST_F(Bus, AnswersTheRequestsToAPeerThatGoesWithFailure) {
     client.bus.request(client.server, newPing(), seconds(20), answered);
     left_.clear();
     while (results.size() < 2) { runLoop(loop_); }
-    EXPECT_EQ((std::vector<TResult::Enum>{TResult::failure, TResult::failure}), results);
-    EXPECT_EQ(TResult::failure, ask(client, newPing())->result()); // nor can a peer that is gone be asked
+    EXPECT_EQ(results, (std::vector<TResult::Enum>{TResult::failure, TResult::failure}));
+    EXPECT_EQ(ask(client, newPing())->result(), TResult::failure); // nor can a peer that is gone be asked
 }
 
 TEST_F(Bus, ForgetsTheRequestsOfAPeerThatGoes) {
-    std::vector<boost::shared_ptr<PingMsg>> requests;
-    server_.handle<PingMsg>([&](auto const& request, PeerId) {
-        requests.push_back(request);
+    std::vector<Request> requests;
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
+        requests.push_back({request, from});
         loop_.stop();
     });
     auto& client = addClient();
     client.bus.request(client.server, newPing(), seconds(20), [](auto const&) {});
     runLoop(loop_);
-    client.bus.disconnect(client.server);
+    client.bus.send(client.server, boost::make_shared<CliDisplayMsg>()); // on its way when the peer goes
+    server_.disconnect(client.atServer);
     runLoop(loop_);
-    EXPECT_EQ((Strings{"closed by the peer"}), left_);
-    EXPECT_EQ(0U, server_.peerCount());
-    server_.answer(PingMsg::create(requests.at(0), ZResult::success, 1)); // goes nowhere, and harms nobody
+    EXPECT_EQ(left_, (Strings{"closed here"}));
+    EXPECT_EQ(server_.peerCount(), 0U);
+    server_.answer(requests.at(0).from,
+                   PingMsg::create(requests.at(0).ping, ZResult::success, 1)); // goes nowhere, and harms nobody
     echoPings();
-    EXPECT_EQ(TResult::success, ask(addClient(), newPing())->result());
+    EXPECT_EQ(ask(addClient(), newPing())->result(), TResult::success);
 }
 
 TEST_F(Bus, RefusesARequestThatIsWaitingAlready) {
@@ -244,11 +263,14 @@ TEST_F(Bus, RefusesARequestThatIsWaitingAlready) {
     EXPECT_THROW(client.bus.request(client.server, request, seconds(20), [](auto const&) {}), std::invalid_argument);
 }
 
-TEST_F(Bus, RejectsARequestThatNobodyHandles) {
-    auto const answer = ask(addClient(), newPing());
-    EXPECT_EQ(TResult::rejected, answer->result());
-    EXPECT_EQ("PingMsg", answer->name());
-    EXPECT_THAT(log_.lines(), Contains("WARN MessageBus: nobody handles PingMsg"));
+TEST_F(Bus, RejectsARequestThatNobodyHandlesWithAnEmptyOne) {
+    auto const request = newPing();
+    auto const answer = boost::dynamic_pointer_cast<PingMsg>(ask(addClient(), request));
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->result(), TResult::rejected);
+    EXPECT_EQ(answer->correlation(), request->id());
+    EXPECT_EQ(answer->destination().nodeId(), 0);
+    EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: nobody handles PingMsg from 127.0.0.1:")));
 }
 
 TEST_F(Bus, NeverAnswersAnAnswer) {
@@ -257,15 +279,221 @@ TEST_F(Bus, NeverAnswersAnAnswer) {
     answer->setResponse(TMessage());
     client.bus.send(client.server, answer);
     waitFor(client);
-    EXPECT_THAT(log_.lines(), Contains("WARN MessageBus: nobody waits for PingMsg"));
+    EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: nobody waits for PingMsg from 127.0.0.1:")));
+    EXPECT_THAT(log_.lines(), testing::Not(Contains(testing::HasSubstr("nobody handles PingMsg"))));
+}
+
+TEST_F(Bus, NeverHandsAnAnswerToTheHandlerOfRequests) {
+    int handled = 0;
+    server_.handle<PingMsg>([&](auto const&, PeerId) { ++handled; });
+    auto& client = addClient();
+    auto const answer = newPing();
+    answer->setResponse(TMessage());
+    client.bus.send(client.server, answer);
+    waitFor(client);
+    EXPECT_EQ(handled, 0);
+}
+
+TEST_F(Bus, DoesNotRejectWhatCarriesNoHeader) {
+    auto& client = addClient();
+    server_.send(client.atServer, VersionMsg::create("1.0"));
+    client.bus.send(client.server, VersionMsg::create("1.0"));
+    waitFor(client);
+    waitFor(client);
     auto const lines = log_.lines();
-    EXPECT_EQ(0, std::count(lines.begin(), lines.end(), "WARN MessageBus: nobody handles PingMsg"));
+    EXPECT_EQ(
+        std::count_if(lines.begin(), lines.end(),
+                      [](auto const& line) { return line.find("nobody handles VersionMsg") != std::string::npos; }),
+        2);
+}
+
+TEST_F(Bus, SettlesARequestWithoutAHeaderByTheNextMessageOfItsClass) {
+    server_.listen<VersionMsg>([this](auto const&, PeerId from) { server_.send(from, VersionMsg::create("1.7")); });
+    auto const answer = boost::dynamic_pointer_cast<VersionMsg>(ask(addClient(), VersionMsg::create("1.0")));
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->protocolVersion(), "1.7");
+}
+
+TEST_F(Bus, DoesNotSettleARequestWithoutAHeaderByAMessageOfAnotherClass) {
+    auto& client = addClient();
+    auto& other = addClient();
+    int answers = 0;
+    client.bus.request(client.server, newPing(), seconds(20), [&](auto const&) { ++answers; });
+    client.bus.request(client.server, VersionMsg::create("1.0"), seconds(20), [&](auto const&) { answers += 10; });
+    server_.send(other.atServer, VersionMsg::create("1.0"));
+    waitFor(client);
+    EXPECT_EQ(answers, 1); // the ping was rejected; another peer's version answers nothing here
+}
+
+TEST_F(Bus, TakesAnAnswerOnlyFromThePeerThatWasAsked) {
+    auto& asked = addClient();
+    auto& stranger = addClient();
+    asked.bus.listen<PingMsg>([](auto const&, PeerId) {});
+    auto const request = newPing();
+    int answers = 0;
+    server_.request(asked.atServer, request, seconds(20), [&](MessageBus::ConfirmablePtr const&) { ++answers; });
+    stranger.bus.send(stranger.server, PingMsg::create(request, ZResult::success, 1));
+    waitFor(stranger);
+    EXPECT_EQ(answers, 0);
+    EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: nobody waits for PingMsg from")));
+    asked.bus.send(asked.server, PingMsg::create(request, ZResult::success, 1));
+    waitFor(asked);
+    EXPECT_EQ(answers, 1);
+}
+
+TEST_F(Bus, KnowsTheLatestOfTheLateAnswersAndForgetsTheOldest) {
+    auto& client = addClient();
+    std::vector<boost::shared_ptr<PingMsg>> requests;
+    std::size_t late = 0;
+    auto const count = MessageBus::expiredLimit + 1;
+    auto const stopAtTheLast = [&] {
+        if (late == count && requests.size() == count) { loop_.stop(); }
+    };
+    client.bus.listen<PingMsg>([&](auto const& request, PeerId) {
+        requests.push_back(request);
+        stopAtTheLast();
+    });
+    for (std::size_t i = 0; i < count; ++i) {
+        server_.request(client.atServer, newPing(), milliseconds(1), [&](auto const&) {
+            ++late;
+            stopAtTheLast();
+        });
+    }
+    runLoop(loop_);
+    auto const answerLate = [&](PingMsg const& request) {
+        log_.clear();
+        auto const answer = newPing();
+        answer->setResponse(request);
+        client.bus.send(client.server, answer);
+        waitFor(client);
+        return log_.lines();
+    };
+    EXPECT_THAT(answerLate(*requests[0]), Contains(StartsWith("WARN MessageBus: nobody waits for PingMsg from")));
+    EXPECT_THAT(answerLate(*requests[1]), Contains(StartsWith("WARN MessageBus: late answer dropped: PingMsg ")));
+    EXPECT_THAT(answerLate(*requests[1]), Contains(StartsWith("WARN MessageBus: nobody waits for PingMsg from")));
+}
+
+TEST_F(Bus, AnswersWithFailureWhereTheAnswerIsLongerThanALineMayBe) {
+    TcpLimits limits;
+    limits.line = 2000;
+    TcpListener const strict(loop_, {boost::asio::ip::address_v4::loopback(), 0}, limits, [this](TcpConnection it) {
+        accepted_ = server_.attach(std::move(it));
+        onAccepted_();
+    });
+    server_.handle<SubscribeMsg>([this](auto const& request, PeerId from) {
+        auto const answer = SubscribeMsg::create(false, std::string(2000, 'x'));
+        answer->setResponse(*request);
+        server_.answer(from, answer);
+    });
+    auto const request = SubscribeMsg::create(false, "Quit");
+    auto const answer = boost::dynamic_pointer_cast<SubscribeMsg>(ask(addClient(strict.local().port()), request));
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->result(), TResult::failure);
+    EXPECT_TRUE(answer->events().empty());
+    EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: cannot write SubscribeMsg: a line of ")));
+}
+
+TEST_F(Bus, AnswersWithFailureWhereTheAnswerCannotBeWritten) {
+    server_.handle<SubscribeMsg>([this](auto const& request, PeerId from) {
+        auto const answer = SubscribeMsg::create(false, "\xff");
+        answer->setResponse(*request);
+        server_.answer(from, answer);
+    });
+    EXPECT_EQ(ask(addClient(), SubscribeMsg::create(false, "Quit"))->result(), TResult::failure);
+    EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: cannot write SubscribeMsg: ")));
+}
+
+TEST_F(Bus, DoesNotAnswerWhatIsOnlyListenedTo) {
+    int heard = 0;
+    server_.listen<PingMsg>([&](auto const&, PeerId) { ++heard; });
+    EXPECT_EQ(ask(addClient(), newPing(), milliseconds(50))->result(), TResult::timeout);
+    EXPECT_EQ(heard, 1);
+}
+
+TEST_F(Bus, GivesAPeerThatEndsItsOutputTheRestOfItsAnswers) {
+    std::vector<Request> requests;
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
+        requests.push_back({request, from});
+        loop_.stop();
+    });
+    LineClient client(listener_.local().port());
+    onAccepted_ = [] {};
+    client.send(pingLine(1) + '\n' + pingLine(2) + '\n');
+    client.endOutput();
+    while (requests.size() < 2) { runLoop(loop_); }
+    server_.answer(requests[1].from, PingMsg::create(requests[1].ping, ZResult::success, 1));
+    loop_.post([&] {
+        EXPECT_TRUE(left_.empty());
+        server_.answer(requests[0].from, PingMsg::create(requests[0].ping, ZResult::success, 2));
+    });
+    runLoop(loop_);
+    EXPECT_EQ(left_, (Strings{"closed by the peer"}));
+    EXPECT_TRUE(client.endsAfter(2));
+}
+
+TEST_F(Bus, DisconnectsAPeerWithTooManyBadLines) {
+    LineClient client(listener_.local().port());
+    onAccepted_ = [] {};
+    client.send(std::string(MessageBus::badLineLimit + 50, '\n'));
+    std::thread peer([&client] { // closes once it has seen the end
+        EXPECT_TRUE(client.endsAfter(0));
+        client.close();
+    });
+    runLoop(loop_);
+    peer.join();
+    EXPECT_EQ(left_, (Strings{"too many bad lines"}));
+    auto const lines = log_.lines();
+    EXPECT_GE(10, std::count_if(lines.begin(), lines.end(),
+                                [](auto const& line) { return line.find("bad line: ") != std::string::npos; }));
+    EXPECT_THAT(lines, Contains(testing::MatchesRegex("WARN MessageBus: [0-9]* complaints about .* left out")));
+}
+
+TEST_F(Bus, DisconnectsAPeerThatDoesNotOpenInTime) {
+    std::string reason;
+    MessageBus::Handlers handlers;
+    handlers.opening = [](PeerId, TMessage const&) { return std::string(); };
+    handlers.left = [&](PeerId, std::string const& why) {
+        reason = why;
+        loop_.stop();
+    };
+    MessageBus strict(loop_, handlers, milliseconds(20));
+    TcpListener const listener(loop_, {boost::asio::ip::address_v4::loopback(), 0}, TcpLimits(),
+                               [&](TcpConnection it) { strict.attach(std::move(it)); });
+    LineClient const client(listener.local().port());
+    runLoop(loop_);
+    EXPECT_EQ(reason, "did not open the connection in time");
+}
+
+TEST_F(Bus, DoesNotGiveAPeerTheAnswerToAnothersRequestOfTheSamePortAndIdentity) {
+    std::vector<Request> requests;
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) {
+        requests.push_back({request, from});
+        loop_.stop();
+    });
+    auto const line = pingLine(1) + '\n';
+    auto first = std::make_unique<LineClient>(listener_.local().port());
+    onAccepted_ = [] {};
+    auto const port = first->localPort();
+    first->send(line);
+    runLoop(loop_);
+    first->reset();
+    runLoop(loop_); // until the server knows
+    LineClient second(listener_.local().port(), 0, port);
+    second.send(line);
+    runLoop(loop_);
+    ASSERT_EQ(requests.size(), 2U);
+    ASSERT_EQ(requests[0].ping->source(), requests[1].ping->source());
+    server_.answer(requests[0].from, PingMsg::create(requests[0].ping, ZResult::success, 111));
+    server_.answer(requests[1].from, PingMsg::create(requests[1].ping, ZResult::success, 222));
+    loop_.post([this] { loop_.post([this] { loop_.stop(); }); });
+    runLoop(loop_);
+    EXPECT_EQ(boost::dynamic_pointer_cast<PingMsg>(second.receive())->latencyMs(), 222U);
 }
 
 TEST_F(Bus, AnswersARequestWhoseHandlerThrowsWithFailure) {
     server_.handle<PingMsg>([](auto const&, PeerId) { throw std::runtime_error("out of order"); });
-    EXPECT_EQ(TResult::failure, ask(addClient(), newPing())->result());
-    EXPECT_THAT(log_.lines(), Contains(testing::HasSubstr("cannot handle PingMsg")));
+    EXPECT_EQ(ask(addClient(), newPing())->result(), TResult::failure);
+    EXPECT_THAT(log_.lines(), Contains("WARN MessageBus: cannot handle PingMsg: out of order"));
 }
 
 TEST_F(Bus, LogsWhatAListenerThrowsAndGoesOn) {
@@ -273,12 +501,12 @@ TEST_F(Bus, LogsWhatAListenerThrowsAndGoesOn) {
     auto& client = addClient();
     client.bus.send(client.server, boost::make_shared<CliDisplayMsg>());
     waitFor(client);
-    EXPECT_THAT(log_.lines(), Contains(testing::HasSubstr("cannot handle CliDisplayMsg")));
+    EXPECT_THAT(log_.lines(), Contains("WARN MessageBus: cannot handle CliDisplayMsg: out of order"));
 }
 
 TEST_F(Bus, RejectsWhatComesOnTopOfTooManyUnansweredRequests) {
-    std::vector<boost::shared_ptr<PingMsg>> requests;
-    server_.handle<PingMsg>([&](auto const& request, PeerId) { requests.push_back(request); });
+    std::vector<Request> requests;
+    server_.handle<PingMsg>([&](auto const& request, PeerId from) { requests.push_back({request, from}); });
     auto& client = addClient();
     std::vector<TResult::Enum> results;
     for (std::size_t i = 0; i <= MessageBus::unansweredLimit; ++i) {
@@ -288,14 +516,14 @@ TEST_F(Bus, RejectsWhatComesOnTopOfTooManyUnansweredRequests) {
         });
     }
     runLoop(loop_);
-    EXPECT_EQ((std::vector<TResult::Enum>{TResult::rejected}), results);
-    EXPECT_EQ(10000U, requests.size());
+    EXPECT_EQ(results, (std::vector<TResult::Enum>{TResult::rejected}));
+    EXPECT_EQ(requests.size(), 1000U);
     // One answer makes room for one request.
-    server_.answer(PingMsg::create(requests.front(), ZResult::success, 1));
+    server_.answer(requests.front().from, PingMsg::create(requests.front().ping, ZResult::success, 1));
     runLoop(loop_);
-    EXPECT_EQ(TResult::success, results.at(1));
-    EXPECT_EQ(TResult::timeout, ask(client, newPing(), milliseconds(200))->result());
-    EXPECT_EQ(10001U, requests.size());
+    EXPECT_EQ(results.at(1), TResult::success);
+    EXPECT_EQ(ask(client, newPing(), milliseconds(200))->result(), TResult::timeout);
+    EXPECT_EQ(requests.size(), 1001U);
 }
 
 TEST_F(Bus, BringsEventsToThosePeersThatSubscribed) {
@@ -309,7 +537,7 @@ TEST_F(Bus, BringsEventsToThosePeersThatSubscribed) {
     server_.unsubscribe(second.atServer, "quit");
     server_.publish("quit", boost::make_shared<CliDisplayMsg>());
     for (auto* const client : {&first, &second, &third}) { waitFor(*client); }
-    EXPECT_EQ((Strings{"CliDisplayMsg"}), first.events);
+    EXPECT_EQ(first.events, (Strings{"CliDisplayMsg"}));
     EXPECT_EQ(Strings(), second.events);
     EXPECT_EQ(Strings(), third.events);
 }
@@ -325,12 +553,12 @@ TEST_F(Bus, ShowsObserversTheTrafficOfOthersOnly) {
     });
     ask(other, newPing());
     waitFor(observer);
-    EXPECT_EQ((Strings{"received PingMsg", "sent PingMsg"}), seen);
-    EXPECT_EQ((Strings{"CliDisplayMsg", "CliDisplayMsg"}), observer.events);
+    EXPECT_EQ(seen, (Strings{"received PingMsg", "sent PingMsg"}));
+    EXPECT_EQ(observer.events, (Strings{"CliDisplayMsg", "CliDisplayMsg"}));
     server_.unobserve(observer.atServer);
     ask(other, newPing());
     waitFor(observer);
-    EXPECT_EQ(2U, observer.events.size());
+    EXPECT_EQ(observer.events.size(), 2U);
 }
 
 TEST_F(Bus, ObserverThatGoesIsForgotten) {
@@ -344,18 +572,19 @@ TEST_F(Bus, ObserverThatGoesIsForgotten) {
     });
     observer.bus.disconnect(observer.server);
     runLoop(loop_);
-    EXPECT_EQ(1U, left_.size());
-    EXPECT_EQ(TResult::success, ask(other, newPing())->result());
-    EXPECT_EQ(0, copies);
+    EXPECT_EQ(left_.size(), 1U);
+    EXPECT_EQ(ask(other, newPing())->result(), TResult::success);
+    EXPECT_EQ(copies, 0);
 }
 
 TEST_F(Bus, LogsABadLineAndGivesItToItsHandler) {
     std::vector<std::string> complaints;
-    MessageBus strict(loop_, {[&](PeerId, BadMessageError const& error) {
-                                  complaints.push_back(error.what());
-                                  loop_.stop();
-                              },
-                              {}});
+    MessageBus::Handlers handlers;
+    handlers.badLine = [&](PeerId, BadMessageError const& error) {
+        complaints.push_back(error.what());
+        loop_.stop();
+    };
+    MessageBus strict(loop_, handlers);
     TcpListener const listener(loop_, {boost::asio::ip::address_v4::loopback(), 0}, TcpLimits(),
                                [&](TcpConnection it) { strict.attach(std::move(it)); });
     std::optional<TcpConnection> client;
@@ -365,8 +594,8 @@ TEST_F(Bus, LogsABadLineAndGivesItToItsHandler) {
                    client->send("{}");
                });
     runLoop(loop_);
-    EXPECT_EQ(1U, complaints.size());
-    EXPECT_THAT(log_.lines(), Contains(testing::HasSubstr("bad line from 127.0.0.1:")));
+    EXPECT_EQ(complaints.size(), 1U);
+    EXPECT_THAT(log_.lines(), Contains(testing::MatchesRegex("WARN MessageBus: bad line: .*, from 127.0.0.1:[0-9]*")));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/libio/EventLoop.h"
 #include "platform/libio/TcpListener.h"
+#include "tests/scenario/LineClient.h"
 #include "tests/scenario/Process.h"
 #include "tests/support/systemText.h"
 #include "tests/support/wire.h"
@@ -27,18 +28,23 @@ using namespace zorv;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// A daemon that answers every line with what a test wants.
+/// A daemon that tells its version and answers every line but a client's first with what a test wants.
 class FakeDaemon {
 public:
     using Answer = std::function<void(TcpConnection& connection, std::string const& line)>;
 
-    explicit FakeDaemon(Answer answer)
+    explicit FakeDaemon(Answer answer, std::string version = versionLine())
         : answer_(std::move(answer)),
+          version_(std::move(version)),
           listener_(loop_, {boost::asio::ip::address_v4::loopback(), 0}, TcpLimits(),
                     [this](TcpConnection accepted) {
                         auto& connection = connections_.emplace_back(std::move(accepted));
-                        connection.start(
-                            {[this, &connection](std::string const& line) { answer_(connection, line); }, [] {}, {}});
+                        TcpConnection::Handlers handlers;
+                        handlers.line = [this, &connection, opened = false](std::string const& line) mutable {
+                            if (std::exchange(opened, true)) { answer_(connection, line); }
+                        };
+                        connection.start(std::move(handlers));
+                        if (!version_.empty()) { connection.send(version_); }
                     }),
           port_(listener_.local().port()),
           thread_([this] { loop_.run(); }) {}
@@ -55,6 +61,7 @@ public:
 
 private:
     Answer answer_;
+    std::string version_;
     EventLoop loop_;
     std::list<TcpConnection> connections_;
     TcpListener listener_;
@@ -137,6 +144,21 @@ TEST(ClientExitCodes, WrongUsageIsTwo) {
     }
 }
 
+TEST(ClientExitCodes, WrongUsageIsToldUnderTheProgramsName) {
+    auto const errors = [](std::vector<std::string> const& arguments) {
+        Process client(clientCommand(1, arguments));
+        EXPECT_EQ(client.wait(), 2);
+        auto const text = client.errors();
+        return text.substr(0, text.find('\n'));
+    };
+    EXPECT_EQ(errors({"pong", "5"}), "quillet: unknown command \"pong\"; did you mean \"ping\"?");
+    EXPECT_EQ(errors({"xyzzy"}), "quillet: unknown command \"xyzzy\"");
+    EXPECT_EQ(errors({"nvm", "chekc"}), "quillet: unknown command \"chekc\"; did you mean \"check\"?");
+    EXPECT_EQ(errors({"ping", "5", "--cuont=4"}), "quillet: unknown option \"--cuont\"; did you mean \"--count\"?");
+    EXPECT_EQ(errors({"ping", "5", "--port", "0"}), "quillet: --port: expected a whole number from 1 to 65535, got 0");
+    EXPECT_EQ(errors({"ping", "5", "6"}), "quillet: unexpected argument \"6\"");
+}
+
 TEST(ClientExitCodes, NoDaemonIsThree) {
     unsigned short port = 0;
     { port = DaemonProcess().port(); }
@@ -181,6 +203,30 @@ TEST(ClientExitCodes, SeriesGoesOnAfterARefusal) {
 TEST(ClientExitCodes, RubbishFromTheDaemonIsFive) {
     FakeDaemon const daemon([](TcpConnection& connection, std::string const&) { connection.send("rubbish"); });
     EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 5);
+}
+
+TEST(ClientExitCodes, DaemonOfAnotherVersionIsFive) {
+    FakeDaemon const daemon([](TcpConnection&, std::string const&) {},
+                            R"({"__name__":"zorv::VersionMsg","protocolVersion_":"2.3"})");
+    Process client(clientCommand(daemon.port(), {"ping", "5"}));
+    EXPECT_EQ(client.wait(), 5);
+    EXPECT_NE(std::string::npos,
+              client.errors().find("quillet: the daemon speaks protocol version 2.3, this client speaks 1.0\n"));
+}
+
+TEST(ClientExitCodes, DaemonThatDoesNotTellItsVersionFirstIsFive) {
+    FakeDaemon const daemon([](TcpConnection& connection, std::string const& line) { connection.send(line); }, "");
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 5);
+}
+
+TEST(ClientExitCodes, RefusedConnectionIsThree) {
+    FakeDaemon const daemon([](TcpConnection& connection, std::string const&) {
+        connection.send(R"({"__name__":"zorv::Confirmable","__bases__":[{"__name__":"zorv::TConfirmable",)"
+                        R"("__bases__":[],"result_":"rejected"}]})");
+    });
+    Process client(clientCommand(daemon.port(), {"ping", "5"}));
+    EXPECT_EQ(client.wait(), 3);
+    EXPECT_EQ(client.errors(), "quillet: the daemon refused the connection: rejected\n");
 }
 
 TEST(ClientExitCodes, AnswerOfAnotherClassIsFive) {

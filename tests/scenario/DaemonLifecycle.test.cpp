@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -21,7 +22,7 @@ using namespace scenario;
 TEST(DaemonLifecycle, PortZeroMeansAFreePortThatIsAnnounced) {
     DaemonProcess const daemon;
     EXPECT_NE(daemon.port(), 0);
-    LineClient client(daemon.port());
+    OpenClient client(daemon.port());
     ASSERT_TRUE(client.sendLine(pingLine(1)));
     EXPECT_EQ(client.receive()->name(), "PingMsg");
 }
@@ -29,7 +30,7 @@ TEST(DaemonLifecycle, PortZeroMeansAFreePortThatIsAnnounced) {
 TEST(DaemonLifecycle, SigtermAndSigintEndTheDaemonInOrderAndFreeThePort) {
     for (int const signal : {SIGTERM, SIGINT}) {
         DaemonProcess daemon;
-        LineClient client(daemon.port());
+        OpenClient client(daemon.port());
         ASSERT_TRUE(client.sendLine(pingLine(1)));
         EXPECT_EQ(client.receive()->name(), "PingMsg");
         ASSERT_TRUE(client.sendLine(pingLine(9))); // still under way when the daemon ends
@@ -68,7 +69,7 @@ TEST(DaemonLifecycle, WrongUsageExitsWithTwo) {
 
 TEST(DaemonLifecycle, LineLimitCanBeChosen) {
     DaemonProcess const daemon({"--max-line", "2000"});
-    LineClient client(daemon.port());
+    OpenClient client(daemon.port());
     ASSERT_TRUE(client.sendLine(pingLine(1)));
     EXPECT_EQ(client.receive()->name(), "PingMsg");
     ASSERT_TRUE(client.send(std::string(2000, ' ') + "\n"));
@@ -80,7 +81,7 @@ TEST(DaemonLifecycle, LineLimitCanBeChosen) {
 TEST(DaemonLifecycle, LogLevelDecidesWhichLinesAreShown) {
     for (std::string const level : {"info", "error"}) {
         DaemonProcess daemon({"--log-level", level});
-        LineClient client(daemon.port());
+        OpenClient client(daemon.port());
         ASSERT_TRUE(client.sendLine("rubbish"));
         client.receiveLine();
         daemon.signal(SIGTERM);
@@ -88,6 +89,41 @@ TEST(DaemonLifecycle, LogLevelDecidesWhichLinesAreShown) {
         EXPECT_EQ(daemon.errors().find(" connected\n") != std::string::npos, level == "info");
         EXPECT_EQ(daemon.errors().find("WARN MessageBus: bad line") != std::string::npos, level == "info");
     }
+}
+
+TEST(DaemonLifecycle, WrongUsageIsToldUnderTheProgramsNameAndWithTheRange) {
+    auto const errors = [](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), zorv::programPath("zwaved"));
+        Process daemon(arguments);
+        EXPECT_EQ(daemon.wait(), 2);
+        auto const text = daemon.errors();
+        return text.substr(0, text.find('\n'));
+    };
+    std::string const expected = ": expected a whole number from ";
+    EXPECT_EQ(errors({"--port", "65536"}), "zwaved: --port" + expected + "0 to 65535, got 65536");
+    EXPECT_EQ(errors({"--port", "1x"}), "zwaved: --port" + expected + "0 to 65535, got 1x");
+    EXPECT_EQ(errors({"--max-line", "255"}), "zwaved: --max-line" + expected + "256 to 1073741824, got 255");
+    EXPECT_EQ(errors({"--max-line", "-1"}), "zwaved: --max-line" + expected + "256 to 1073741824, got -1");
+    EXPECT_EQ(errors({"--max-backlog", "0"}), "zwaved: --max-backlog" + expected + "1024 to 1073741824, got 0");
+    EXPECT_EQ(errors({"--max-memory", "99999999999999999999"}),
+              "zwaved: --max-memory" + expected + "1048576 to 1073741824, got 99999999999999999999");
+    EXPECT_EQ(errors({"--max-clients", "0"}), "zwaved: --max-clients" + expected + "1 to 65536, got 0");
+    EXPECT_EQ(errors({"serve"}), "zwaved: unexpected argument \"serve\"");
+    EXPECT_EQ(errors({"--prot", "1"}), "zwaved: unknown option \"--prot\"; did you mean \"--port\"?");
+}
+
+TEST(DaemonLifecycle, DebugShowsTheTrafficAndTheTimeInUtc) {
+    DaemonProcess daemon({"--log-level", "debug"});
+    OpenClient client(daemon.port());
+    ASSERT_TRUE(client.sendLine(pingLine(1)));
+    client.receiveLine();
+    daemon.signal(SIGTERM);
+    EXPECT_EQ(daemon.wait(), 0);
+    auto const log = daemon.errors();
+    std::string const time = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z ";
+    std::string const line = time + "DEBUG MessageBus: 127\\.0\\.0\\.1:[0-9]+ ";
+    EXPECT_TRUE(std::regex_search(log, std::regex(line + "-> .*zorv::PingMsg"))) << log;
+    EXPECT_TRUE(std::regex_search(log, std::regex(line + "<- .*zorv::PingMsg"))) << log;
 }
 
 class NetworkFile : public testing::Test {

@@ -3,6 +3,7 @@
 #include "tests/scenario/Process.h"
 #include "tests/scenario/runLoop.h"
 #include "zwave/libquillet/PingMsg.h"
+#include "zwave/libquillet/VersionMsg.h"
 
 #include <gtest/gtest.h>
 
@@ -37,6 +38,7 @@ Tally pingAtOnce(unsigned short port, unsigned char node, int count) {
                [&](std::optional<TcpConnection> connection, std::string const&) {
                    if (!connection) { return loop.stop(); }
                    auto const daemon = bus.attach(std::move(*connection));
+                   bus.send(daemon, VersionMsg::create("1.0"));
                    for (int i = 0; i < count; ++i) {
                        auto const request = PingMsg::create(ZwaveAddress(0xC0FFEE01, node));
                        bus.request(daemon, request, std::chrono::seconds(20),

@@ -22,18 +22,28 @@ void set(int socket, int option, void const* value, socklen_t size) {
     ::setsockopt(socket, SOL_SOCKET, option, value, size);
 }
 
+sockaddr_in loopback(unsigned short port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
 } // namespace
 
-LineClient::LineClient(unsigned short port, int receiveBuffer)
+LineClient::LineClient(unsigned short port, int receiveBuffer, unsigned short localPort)
     : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     timeval const deadline{deadlineSeconds, 0};
     set(socket_, SO_RCVTIMEO, &deadline, sizeof deadline);
     set(socket_, SO_SNDTIMEO, &deadline, sizeof deadline);
     if (receiveBuffer > 0) { set(socket_, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer); }
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    auto const own = loopback(localPort);
+    if (localPort != 0 && ::bind(socket_, reinterpret_cast<sockaddr const*>(&own), sizeof own) != 0) {
+        ::close(socket_);
+        throw std::runtime_error("cannot bind");
+    }
+    auto const address = loopback(port);
     if (::connect(socket_, reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
         ::close(socket_);
         throw std::runtime_error("cannot connect");
@@ -79,6 +89,15 @@ bool LineClient::endsAfter(int lines) {
     } catch (std::out_of_range const&) { return received == lines; }
 }
 
+unsigned short LineClient::localPort() const {
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
+    return ntohs(address.sin_port);
+}
+
+void LineClient::endOutput() { ::shutdown(socket_, SHUT_WR); }
+
 void LineClient::close() {
     if (socket_ >= 0) { ::close(std::exchange(socket_, -1)); }
 }
@@ -87,6 +106,11 @@ void LineClient::reset() {
     linger const atOnce{1, 0};
     set(socket_, SO_LINGER, &atOnce, sizeof atOnce);
     close();
+}
+
+std::string const& versionLine() {
+    static std::string const line = R"({"__name__":"zorv::VersionMsg","protocolVersion_":"1.0"})";
+    return line;
 }
 
 std::string pingLine(unsigned char nodeId) {

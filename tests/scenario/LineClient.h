@@ -11,8 +11,9 @@ namespace scenario {
 /// A client that sends whatever bytes a test wants; whatever takes longer than a generous deadline throws.
 class LineClient {
 public:
-    /// Connects to a port of this machine; `receiveBuffer` limits what the system takes in for it, in bytes.
-    explicit LineClient(unsigned short port, int receiveBuffer = 0);
+    /// Connects to a port of this machine; `receiveBuffer` limits what the system takes in for it, in bytes;
+    /// `localPort` is its own port, 0 any.
+    explicit LineClient(unsigned short port, int receiveBuffer = 0, unsigned short localPort = 0);
     ~LineClient();
 
     LineClient(LineClient const&) = delete;
@@ -31,6 +32,11 @@ public:
     /// Waits for the end of the connection, after the lines that have not been read; whether they were `lines`.
     bool endsAfter(int lines);
 
+    unsigned short localPort() const;
+
+    /// Sends nothing any more, and reads on, as `nc -N` does.
+    void endOutput();
+
     /// Ends the connection as a vanished process would, or hard, so that the other side sees it reset.
     void close();
     void reset();
@@ -38,6 +44,18 @@ public:
 private:
     int socket_;
     std::string unread_;
+};
+
+/// The first line of a client.
+std::string const& versionLine();
+
+/// A client that has opened its connection to a daemon: each side has told its version.
+class OpenClient : public LineClient {
+public:
+    explicit OpenClient(unsigned short port, int receiveBuffer = 0) : LineClient(port, receiveBuffer) {
+        sendLine(versionLine());
+        receiveLine();
+    }
 };
 
 /// A ping as the client library writes it.

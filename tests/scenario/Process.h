@@ -22,6 +22,8 @@ public:
     /// The next line of the process's standard output, without its end; throws at the end of the output.
     std::string readLine();
 
+    pid_t pid() const noexcept { return pid_; }
+
     void signal(int signal) const;
 
     /// Stops reading the process's standard output.

@@ -45,7 +45,7 @@ protected:
 
     static void expectRejection(TMessage const& answer, std::string const& correlation) {
         ASSERT_TRUE(typeid(answer) == typeid(Confirmable)) << answer.name();
-        EXPECT_EQ(ZResult::rejected, dynamic_cast<Confirmable const&>(answer).result());
+        EXPECT_EQ(dynamic_cast<Confirmable const&>(answer).result(), ZResult::rejected);
         EXPECT_EQ(correlation, to_string(answer.correlation()));
     }
 
@@ -53,12 +53,12 @@ protected:
         ASSERT_TRUE(client.sendLine(ping()));
         auto const answer = boost::dynamic_pointer_cast<PingMsg>(client.receive());
         ASSERT_TRUE(answer);
-        EXPECT_EQ(ZResult::success, answer->result());
+        EXPECT_EQ(answer->result(), ZResult::success);
         EXPECT_EQ(identity, to_string(answer->correlation()));
     }
 
     DaemonProcess daemon_;
-    LineClient client_{daemon_.port()};
+    OpenClient client_{daemon_.port()};
 };
 
 TEST_F(RubbishLines, GoodLineIsServed) { expectService(client_); }
@@ -124,19 +124,36 @@ TEST_F(RubbishLines, InvalidUtf8IsRejected) {
 
 TEST_F(RubbishLines, CarriageReturnBeforeTheLineEndIsNoRubbish) {
     ASSERT_TRUE(client_.send(ping() + "\r\n"));
-    EXPECT_EQ("PingMsg", client_.receive()->name());
+    EXPECT_EQ(client_.receive()->name(), "PingMsg");
 }
 
-TEST_F(RubbishLines, MessageThatNobodyHandlesIsRejectedInItsOwnClass) {
+TEST_F(RubbishLines, MessageThatNobodyHandlesIsRejectedInItsOwnClassWithoutItsMembers) {
+    std::string const text(100000, 'x');
     ASSERT_TRUE(client_.sendLine(
-        R"({"__name__":"zorv::Confirmable","__bases__":[{"__name__":"zorv::TConfirmable","__bases__":[)"
-        R"({"__name__":"zorv::TMessage","__bases__":[],"id_":"11111111-2222-4333-8444-555555555555"}]}]})"));
-    expectRejection(*client_.receive(), identity);
+        R"({"__name__":"zorv::SubscribeMsg","events_":[")" + text +
+        R"("],"__bases__":[{"__name__":"zorv::Confirmable","__bases__":[{"__name__":"zorv::TConfirmable","__bases__":[)"
+        R"({"__name__":"zorv::TMessage","__bases__":[],"id_":"11111111-2222-4333-8444-555555555555"}]}]}]})"));
+    auto const line = client_.receiveLine();
+    EXPECT_NE(std::string::npos, line.find(R"({"__name__":"zorv::SubscribeMsg")"));
+    EXPECT_NE(std::string::npos, line.find(R"("correlation_":"11111111-2222-4333-8444-555555555555")"));
+    EXPECT_NE(std::string::npos, line.find(R"("result_":"rejected")"));
+    EXPECT_NE(std::string::npos, line.find(R"("events_":[])"));
+    expectService(client_);
+}
+
+TEST_F(RubbishLines, MessageWithACorrelationIsNotAnswered) {
+    ASSERT_TRUE(client_.sendLine(ping("\"priority_\"", "\"correlation_\":\"" + identity + "\",\"priority_\"")));
+    expectService(client_); // the next line is the answer to the next request
+}
+
+TEST_F(RubbishLines, LaterVersionIsAnsweredWithTheDaemonsOwn) {
+    ASSERT_TRUE(client_.sendLine(versionLine()));
+    EXPECT_EQ(client_.receiveLine(), versionLine());
     expectService(client_);
 }
 
 TEST_F(RubbishLines, LineOfHundredMegabytesIsRejectedAndEndsTheConnection) {
-    LineClient other(daemon_.port());
+    OpenClient other(daemon_.port());
     std::string const megabyte(1U << 20U, 'x');
     for (int i = 0; i < 100; ++i) { ASSERT_TRUE(client_.send(megabyte)); }
     expectRejection(*client_.receive(), none);
@@ -147,9 +164,9 @@ TEST_F(RubbishLines, LineOfHundredMegabytesIsRejectedAndEndsTheConnection) {
 TEST_F(RubbishLines, ComplaintIsLoggedOnOneLineWhateverThePeerSent) {
     expectRejection(ping("zorv::PingMsg", "zorv::\\u001b[31m\\nPongMsg"), identity);
     daemon_.signal(SIGTERM);
-    EXPECT_EQ(0, daemon_.wait());
+    EXPECT_EQ(daemon_.wait(), 0);
     EXPECT_EQ(std::string::npos, daemon_.errors().find('\x1b'));
-    EXPECT_NE(std::string::npos, daemon_.errors().find("unknown class \"zorv::\\x1b[31m\n"));
+    EXPECT_NE(std::string::npos, daemon_.errors().find("unknown class \"zorv::\\x1b[31m, from 127.0.0.1:"));
 }
 
 } // namespace
