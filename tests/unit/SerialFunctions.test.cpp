@@ -1,8 +1,11 @@
+#include "tests/testPaths.h"
 #include "zwave/libserialapi/functions/FrameDissector.h"
 #include "zwave/libserialapi/functions/FunctionList.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 
@@ -227,6 +230,25 @@ TEST(SerialFunctions, EncodeAnyFrameBackToItsBytes) {
         }
     }
     EXPECT_GT(fitting, 5000);
+}
+
+TEST(SerialFunctions, StandInTheDocumentWithAllTheirParameters) {
+    std::ifstream file(sourcePath("docs/serial.md"));
+    std::string const document{std::istreambuf_iterator<char>(file), {}};
+    auto const cell = [](std::optional<FormDescriptor> const& form) {
+        if (!form) { return std::string(" |"); }
+        std::string names;
+        for (auto const& name : form->memberNames()) { names += (names.empty() ? "" : ", ") + name; }
+        return ' ' + (names.empty() ? "none" : names) + " |";
+    };
+    for (auto const& function : describeFunctions()) {
+        std::string id = "0x";
+        id += "0123456789abcdef"[function.id / 16];
+        id += "0123456789abcdef"[function.id % 16];
+        auto const row = "\n| " + id + " | " + function.name + " |" + cell(function.request) + cell(function.response) +
+                         cell(function.callback) + '\n';
+        EXPECT_NE(document.find(row), std::string::npos) << row;
+    }
 }
 
 TEST(SerialFunctions, AreFoundById) {

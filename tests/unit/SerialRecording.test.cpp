@@ -1,13 +1,11 @@
-#include "tests/testPaths.h"
+#include "tests/unit/SerialRecordings.h"
 #include "zwave/libserialapi/functions/FrameDissector.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
-#include <fstream>
-#include <map>
+#include <cstdio>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -15,42 +13,6 @@
 namespace zorv::serialapi {
 
 namespace {
-
-struct Line {
-    std::string place; ///< file and line
-    Side sender;
-    Bytes bytes;
-    std::string comment;
-};
-
-std::vector<Line> readRecording(std::filesystem::path const& path) {
-    std::vector<Line> lines;
-    std::ifstream file(path);
-    std::string text;
-    for (int number = 1; std::getline(file, text); ++number) {
-        if (text.empty() || text[0] == '#') { continue; }
-        Line line{path.filename().string() + ':' + std::to_string(number), Side::host, {}, {}};
-        auto const hash = text.find('#');
-        if (hash != std::string::npos) { line.comment = text.substr(hash); }
-        std::istringstream words(text.substr(0, hash));
-        std::string word;
-        words >> word;
-        EXPECT_TRUE(word == "host" || word == "module") << line.place;
-        line.sender = word == "host" ? Side::host : Side::module;
-        while (words >> word) { line.bytes.push_back(static_cast<Byte>(std::stoul(word, nullptr, 16))); }
-        lines.push_back(std::move(line));
-    }
-    return lines;
-}
-
-std::vector<std::filesystem::path> recordings() {
-    std::vector<std::filesystem::path> paths;
-    for (auto const& entry : std::filesystem::directory_iterator(sourcePath("tests/recorded"))) {
-        if (entry.path().extension() == ".log") { paths.push_back(entry.path()); }
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
 
 std::string lowered(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return std::tolower(c); });

@@ -32,9 +32,10 @@ constexpr Milliseconds settleTime{1600};    ///< before the next frame, where a 
 // ---- sessions
 /// The rules say 5 s; modules have been seen to answer after 5.2 s.
 constexpr Milliseconds responseTime{10000};
-constexpr std::size_t hostQueue = 256;  ///< frames of the host that wait for their turn
-constexpr std::size_t moduleQueue = 16; ///< frames of a module; what comes on top is lost
-constexpr std::size_t heldFrames = 32;  ///< frames of the module that came before the awaited response
+constexpr Milliseconds callbackTime{65000}; ///< the longest that a frame to a node may take
+constexpr std::size_t hostQueue = 256;      ///< frames of the host that wait for their turn
+constexpr std::size_t moduleQueue = 16;     ///< frames of a module; what comes on top is lost
+constexpr std::size_t heldFrames = 32;      ///< frames of the module that came before the awaited response
 
 } // namespace limits
 
