@@ -51,9 +51,10 @@ function(quillet_library name)
     set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
     add_library(quillet::${name} ALIAS ${target})
 
-    # Every header of the folder, but those that only the library's own sources may include.
+    # Every header of the folder, but those that only the library's own sources may include: *Impl.h, and libtransport's
+    # json/, which reads and checks texts.
     quillet_find_sources(headers "*.h")
-    list(FILTER headers EXCLUDE REGEX "Impl\\.h$")
+    list(FILTER headers EXCLUDE REGEX "Impl\\.h$|/libtransport/json/")
     target_sources(${target} ${scope} FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${headers} ${arg_HEADERS})
 
     install(TARGETS ${target} EXPORT quilletTargets

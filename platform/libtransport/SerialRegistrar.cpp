@@ -2,6 +2,7 @@
 
 #include "platform/libzorvlogger/Logger.h"
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <shared_mutex>
@@ -23,7 +24,7 @@ public:
         factories_.erase(serialName);
     }
 
-    SerialFactory find(std::string const& serialName) {
+    SerialFactory find(std::string_view serialName) {
         std::shared_lock const lock(mutex_);
         auto const found = factories_.find(serialName);
         return found != factories_.end() ? found->second : SerialFactory();
@@ -39,7 +40,7 @@ public:
 
 private:
     std::shared_mutex mutex_;
-    std::map<std::string, SerialFactory> factories_;
+    std::map<std::string, SerialFactory, std::less<>> factories_;
 };
 
 // Made by the first registrar, so that it outlives every one of them.
@@ -50,7 +51,7 @@ Registry& registry() {
 
 } // namespace
 
-SerialFactory SerialRegistry::find(std::string const& serialName) { return registry().find(serialName); }
+SerialFactory SerialRegistry::find(std::string_view serialName) { return registry().find(serialName); }
 
 std::vector<std::string> SerialRegistry::names() { return registry().names(); }
 

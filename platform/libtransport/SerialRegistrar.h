@@ -5,6 +5,7 @@
 #include <boost/function.hpp>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zorv {
@@ -23,7 +24,7 @@ public:
     SerialRegistry() = delete;
 
     /// The factory that is registered under `serialName`, or an empty one.
-    static SerialFactory find(std::string const& serialName);
+    static SerialFactory find(std::string_view serialName);
 
     /// The registered serial names, in ascending order.
     static std::vector<std::string> names();

@@ -1,5 +1,7 @@
 #include "platform/libtransport/SerialValue.h"
 
+#include "platform/libtransport/SerializerError.h"
+
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/lexical_cast.hpp>
 #include <boost/uuid/string_generator.hpp>
@@ -28,15 +30,22 @@ TcpEndpoint toEndpoint(std::string const& text) {
 /// Reads a string and converts it; a text that does not convert is a bad member like any other.
 template <class T, class Convert> Serializer& readText(Serializer& s, T& value, char const* expected, Convert convert) {
     if (s.skipAbsent()) { return s; }
-    auto const text = s.text();
+    std::string const text(s.text());
     try {
         value = convert(text);
     } catch (std::exception const&) { s.fail(std::string("expected ") + expected + ", got \"" + text + '"'); }
-    s.topNode();
+    s.drop();
     return s;
 }
 
 } // namespace
+
+void requireFewPairs(std::size_t count) {
+    if (count > limits::maxPairs) {
+        throw SerializerError("expected at most " + std::to_string(limits::maxPairs) + " entries, got " +
+                              std::to_string(count));
+    }
+}
 
 Serializer& operator<<(Serializer& s, TimeStamp const& value) { return s << toString(value); }
 

@@ -4,7 +4,9 @@
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/TcpEndpoint.h"
 #include "platform/libtransport/TimeStamp.h"
+#include "platform/libtransport/limits.h"
 #include "platform/libtransport/tables/EnumDeclaration.h"
+#include "platform/libtransport/throwInvalidEnum.h"
 
 #include <boost/shared_ptr.hpp>
 #include <boost/unordered_map.hpp>
@@ -29,9 +31,11 @@ template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operat
 
 template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operator>>(Serializer& s, Enum& value) {
     if (s.skipAbsent()) { return s; }
-    std::string text;
-    s >> text;
-    parse(text, value);
+    auto const text = s.text();
+    try {
+        parse(text, value);
+    } catch (InvalidEnumError const& error) { s.fail(error); }
+    s.drop();
     return s;
 }
 
@@ -62,14 +66,14 @@ inline Serializer& operator>>(Serializer& s, Serializable& record) {
 
 template <class T> Serializer& operator<<(Serializer& s, boost::shared_ptr<T> const& pointer) {
     if (!pointer) { return s << null; }
-    return s << *pointer;
+    return s.writeReference(*pointer);
 }
 
 /// Null empties the pointer; so does an object of a registered class that is not a `T`.
 template <class T> Serializer& operator>>(Serializer& s, boost::shared_ptr<T>& pointer) {
     if (s.skipAbsent()) { return s; }
     if (s.isNull()) {
-        s.topNode();
+        s.drop();
         pointer.reset();
         return s;
     }
@@ -103,7 +107,11 @@ template <class T> Serializer& readElements(Serializer& s, std::vector<T>& list)
 
 // ---- maps: an array of pairs, in the map's own order
 
+/// A map that has more entries than a reader takes is refused.
+ZORV_EXPORT void requireFewPairs(std::size_t count);
+
 template <class Map> Serializer& insertPairs(Serializer& s, Map const& map) {
+    requireFewPairs(map.size());
     s << openbracket;
     bool first = true;
     for (auto const& entry : map) {
@@ -123,17 +131,13 @@ template <class Key, class Value> Serializer& operator<<(Serializer& s, std::map
     return insertPairs(s, map);
 }
 
-/// Most entries of a map; a network has 232 nodes. A peer that knows how keys are hashed could otherwise send keys
-/// that all collide, and enough of them to stop this process for minutes.
-constexpr std::size_t maxPairs = 4096;
-
 /// Reads an array of pairs into a map: of equal keys the first wins, and entries that were there are kept.
 template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Map& map, RequireArray requireArray) {
     if (s.skipAbsent()) { return s; }
     requireArray(s);
     auto const count = s.size();
-    if (count > maxPairs) {
-        s.fail("expected at most " + std::to_string(maxPairs) + " entries, got " + std::to_string(count));
+    if (count > limits::maxPairs) {
+        s.fail("expected at most " + std::to_string(limits::maxPairs) + " entries, got " + std::to_string(count));
     }
     for (std::size_t i = 0; i < count; ++i) {
         s.element(i);

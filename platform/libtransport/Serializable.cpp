@@ -2,6 +2,9 @@
 
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
+#include "platform/libtransport/toText.h"
+
+#include <utility>
 
 namespace zorv {
 
@@ -13,8 +16,14 @@ void Serializable::serialInserter(Serializer& s) const {
 
 void Serializable::serialExtract(Serializer& s) { s >> "version_" >> version_ >> finished; }
 
+std::string toText(Serializable const& object) {
+    Serializer s;
+    object.serialInserter(s);
+    return std::move(s).str();
+}
+
 boost::shared_ptr<Serializable> readSerializable(std::string const& text) {
-    Serializer s(text);
+    auto s = Serializer::over(text);
     return boost::shared_ptr<Serializable>(s.deserialize());
 }
 

@@ -1,7 +1,9 @@
 #include "platform/libtransport/readMessage.h"
 
+#include "platform/libtransport/PlacedError.h"
 #include "platform/libtransport/SerialValue.h"
-#include "platform/libtransport/readSerializable.h"
+#include "platform/libtransport/SerializerError.h"
+#include "platform/libtransport/limits.h"
 #include "platform/libzorvlogger/printable.h"
 
 #include <boost/make_shared.hpp>
@@ -22,6 +24,12 @@ std::string toLogText(std::string const& complaint) {
     return printable(std::string_view(complaint).substr(0, std::min(complaint.find('\n'), longestComplaint)));
 }
 
+/// Where in the text an error was found, of those that do not say it in their own text.
+std::string placeOf(std::exception const& error) {
+    auto const* const placed = dynamic_cast<PlacedError const*>(&error);
+    return placed == nullptr || placed->place().empty() ? "" : placed->place() + ": ";
+}
+
 /// Makes a header that has nothing of the message but its identity.
 boost::shared_ptr<TMessage const> makeHeader(boost::uuids::uuid const& id) {
     Serializer writer;
@@ -33,10 +41,10 @@ boost::shared_ptr<TMessage const> makeHeader(boost::uuids::uuid const& id) {
 }
 
 /// Finds the identity in the innermost of the frames, even though some member elsewhere is bad.
-boost::shared_ptr<TMessage const> readHeader(std::string const& text) {
+boost::shared_ptr<TMessage const> readHeader(Serializer& s) {
     try {
-        Serializer s(text);
-        for (int depth = 0; depth < Serializer::maxDepth; ++depth) {
+        s.rewind();
+        for (std::size_t depth = 0; depth < limits::maxDepth; ++depth) {
             std::string className;
             s >> Serializer::name >> className;
             if (className == TMessage::serialName()) {
@@ -53,18 +61,30 @@ boost::shared_ptr<TMessage const> readHeader(std::string const& text) {
     return nullptr;
 }
 
+/// Reads the message; where that fails, the same reader looks for the header.
+boost::shared_ptr<TMessage> readFrom(Serializer& s) {
+    std::string complaint = "not a message";
+    try {
+        auto message = boost::dynamic_pointer_cast<TMessage>(boost::shared_ptr<Serializable>(s.deserialize()));
+        if (message) { return message; }
+    } catch (std::exception const& error) { complaint = toLogText(placeOf(error) + error.what()); }
+    throw BadMessageError(complaint, readHeader(s));
+}
+
 } // namespace
 
 BadMessageError::BadMessageError(std::string const& complaint, boost::shared_ptr<TMessage const> const& header)
     : std::runtime_error(complaint), header_(header) {}
 
 boost::shared_ptr<TMessage> readMessage(std::string const& text) {
-    std::string complaint = "not a message";
+    std::string complaint;
     try {
-        auto message = boost::dynamic_pointer_cast<TMessage>(readSerializable(text));
-        if (message) { return message; }
-    } catch (std::exception const& error) { complaint = toLogText(error.what()); }
-    throw BadMessageError(complaint, readHeader(text));
+        auto s = Serializer::over(text);
+        return readFrom(s);
+    } catch (BadMessageError const&) { throw; } catch (std::exception const& error) {
+        complaint = toLogText(error.what());
+    }
+    throw BadMessageError(complaint, nullptr); // malformed: there is no header to be found
 }
 
 } // namespace zorv

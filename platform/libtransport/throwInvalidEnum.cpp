@@ -5,6 +5,9 @@ namespace zorv {
 InvalidEnumError::InvalidEnumError(char const* enumName, std::string const& complaint)
     : std::invalid_argument("invalid " + std::string(enumName) + complaint), enumName_(enumName) {}
 
+InvalidEnumError::InvalidEnumError(std::string const& path, InvalidEnumError const& error)
+    : std::invalid_argument(path.empty() ? error.what() : path + ": " + error.what()), enumName_(error.enumName_) {}
+
 void throwInvalidEnum(char const* enumName, int value) {
     throw InvalidEnumError(enumName, " value " + std::to_string(value));
 }

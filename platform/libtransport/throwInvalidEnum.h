@@ -12,6 +12,9 @@ class ZORV_EXPORT InvalidEnumError : public std::invalid_argument {
 public:
     InvalidEnumError(char const* enumName, std::string const& complaint);
 
+    /// The error of an enumeration that stands at `path` in a text: the path comes before the complaint.
+    InvalidEnumError(std::string const& path, InvalidEnumError const& error);
+
     /// The enumeration's scope name, such as "AddRemoveOp".
     std::string const& enumName() const noexcept { return enumName_; }
 

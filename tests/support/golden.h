@@ -25,7 +25,7 @@ inline std::string golden(std::string const& name) {
 inline std::set<std::string> goldenNames() {
     std::set<std::string> names;
     for (auto const& entry : boost::filesystem::directory_iterator(sourcePath("tests/golden"))) {
-        names.insert(entry.path().stem().string());
+        if (entry.path().extension() == ".json") { names.insert(entry.path().stem().string()); }
     }
     return names;
 }

@@ -105,7 +105,7 @@ TEST(AddRemoveNodeMsg, ReadsTheOperationInvalidAsZero) {
 
 TEST(AddRemoveNodeMsg, RefusesAnOperationInOtherLetterCase) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::AddRemoveNodeMsg","operation_":"Add"})"),
-              "InvalidEnumError: invalid AddRemoveOp text \"Add\"");
+              "InvalidEnumError: operation_: invalid AddRemoveOp text \"Add\"");
 }
 
 TEST(AddRemoveNodeMsg, KeepsEveryMemberOnTheWireWithoutADevice) {

@@ -105,8 +105,8 @@ BadValue outOfRange(std::string const& key, std::int64_t number, std::string con
             {"SerializerError", key + ": expected " + expected + ", got " + std::to_string(number)}};
 }
 
-BadValue unknownText(std::string const& enumName) {
-    return {"noSuchText", {"InvalidEnumError", "invalid " + enumName + " text \"noSuchText\""}};
+BadValue unknownText(std::string const& key, std::string const& enumName) {
+    return {"noSuchText", {"InvalidEnumError", key + ": invalid " + enumName + " text \"noSuchText\""}};
 }
 
 Json::Value const emptyArray(Json::arrayValue);
@@ -133,7 +133,7 @@ std::vector<BadValue> badValues(MemberDescriptor const& member) {
     case Kind::enumeration:
     case Kind::openSet: {
         auto bad = badTypes(key, "string", {1, true, null, emptyArray, emptyObject});
-        bad.push_back(unknownText(type.name));
+        bad.push_back(unknownText(key, type.name));
         return bad;
     }
     case Kind::flagSet: return badTypes(key, "string", {1, true, null, emptyArray, emptyObject});

@@ -190,7 +190,7 @@ TEST(CommandClassMsg, RefusesToWriteAStatusWithAnUnknownBit) {
 
 TEST(CommandClassMsg, NamesReceiveStatusInTheErrorOfReading) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::CommandClassMsg","rxStatus_":"lowPower|routedBusy"})"),
-              "InvalidEnumError: invalid ReceiveStatus text \"lowPower|routedBusy\"");
+              "InvalidEnumError: rxStatus_: invalid ReceiveStatus text \"lowPower|routedBusy\"");
 }
 
 TEST(CommandClassMsg, HasNoCommandWhenTheTextHoldsAnObjectOfAnotherClass) {

@@ -77,7 +77,7 @@ TEST(ConfigurationMsg, ReadsADeviceThatCanShareItself) {
 
 TEST(ConfigurationMsg, RefusesAnUnknownStage) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ConfigurationMsg","operation_":"Idle"})"),
-              R"(InvalidEnumError: invalid ConfigurationStatus text "Idle")");
+              R"(InvalidEnumError: operation_: invalid ConfigurationStatus text "Idle")");
 }
 
 } // namespace

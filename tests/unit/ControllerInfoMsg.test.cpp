@@ -265,10 +265,10 @@ TEST(ControllerInfoMsg, HasThePlatformsManufacturerWhereTheTextHasNoDeviceInfo) 
 
 TEST(ControllerInfoMsg, NamesTheEnumerationOfAnUnknownText) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::ControllerInfoMsg","moduleType_":"bridge"})"),
-              "InvalidEnumError: invalid ModuleType text \"bridge\"");
+              "InvalidEnumError: moduleType_: invalid ModuleType text \"bridge\"");
     EXPECT_EQ(errorOfReading(
                   R"({"__name__":"zorv::ControllerInfoMsg","serialCapabilities_":{"commands_":["sendData","x"]}})"),
-              "InvalidEnumError: invalid ZwApiCommand text \"x\"");
+              "InvalidEnumError: serialCapabilities_.commands_[1]: invalid ZwApiCommand text \"x\"");
 }
 
 TEST(ControllerInfoMsg, NamesThePathToANumberOutOfRange) {

@@ -112,7 +112,7 @@ TEST(Device, NamesThePathToABadNumberInACommandClass) {
 
 TEST(Device, RefusesAnUnknownCommandClass) {
     EXPECT_EQ(readError(R"("doorLock")", R"("doorlock")"),
-              "InvalidEnumError: invalid CommandClassType text \"doorlock\"");
+              "InvalidEnumError: commandClasses_[1][0]: invalid CommandClassType text \"doorlock\"");
 }
 
 TEST(Device, CanShareItselfAfterItWasReadIntoAPointer) {

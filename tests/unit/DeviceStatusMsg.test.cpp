@@ -104,7 +104,7 @@ TEST(DeviceStatusMsg, NamesTheEnumerationOfAnUnknownText) {
         std::string key = name;
         key[0] = static_cast<char>(key[0] - 'A' + 'a');
         EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::DeviceStatusMsg",")" + key + R"(_":"Nonsense"})"),
-                  "InvalidEnumError: invalid " + std::string(name) + " text \"Nonsense\"");
+                  "InvalidEnumError: " + key + "_: invalid " + name + " text \"Nonsense\"");
     }
 }
 

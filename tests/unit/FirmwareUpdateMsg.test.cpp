@@ -102,7 +102,7 @@ TEST(FirmwareUpdateMsg, RefusesToWriteAStatusAboveComplete) {
 TEST(FirmwareUpdateMsg, RefusesAnUnknownStatus) {
     EXPECT_EQ(
         errorOf([] { readBack<FirmwareUpdateMsg>(R"({"__name__":"zorv::FirmwareUpdateMsg","status_":"Idle"})"); }),
-        "InvalidEnumError: invalid FirmwareUpdateStatus text \"Idle\"");
+        "InvalidEnumError: status_: invalid FirmwareUpdateStatus text \"Idle\"");
 }
 
 TEST(FirmwareUpdateMsg, ShowsCountryStatusAndProgressButNoResult) {

@@ -60,9 +60,9 @@ TEST(LearnModeMsg, ShowsItsStatusAlone) {
 
 TEST(LearnModeMsg, RefusesUnknownTexts) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::LearnModeMsg","mode_":"Classic"})"),
-              R"(InvalidEnumError: invalid LearnMode text "Classic")");
+              R"(InvalidEnumError: mode_: invalid LearnMode text "Classic")");
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::LearnModeMsg","status_":"classic"})"),
-              R"(InvalidEnumError: invalid LearnModeStatus text "classic")");
+              R"(InvalidEnumError: status_: invalid LearnModeStatus text "classic")");
 }
 
 } // namespace

@@ -143,7 +143,7 @@ TEST(ManageNvmMsg, CannotBeReadWithBlobsThatAreNoList) {
 TEST(ManageNvmMsg, CannotBeReadWithAnUnknownOperation) {
     EXPECT_EQ(errorText<InvalidEnumError>(
                   [] { readBack<ManageNvmMsg>(R"({"__name__":"zorv::ManageNvmMsg","operation_":"none"})"); }),
-              "invalid ManageNvmOp text \"none\"");
+              "operation_: invalid ManageNvmOp text \"none\"");
 }
 
 TEST(ManageNvmMsg, CannotBeWrittenWithAnUnknownOperation) {

@@ -290,9 +290,9 @@ TEST(NodeInformationMsg, RefusesAnEntryThatIsNoArray) {
 
 TEST(NodeInformationMsg, RefusesWordsThatItDoesNotKnow) {
     EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","operation_":"fetch"})"),
-              (Refusal{"InvalidEnumError", "invalid GetNodesOp text \"fetch\""}));
+              (Refusal{"InvalidEnumError", "operation_: invalid GetNodesOp text \"fetch\""}));
     EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","displayOptions_":"some"})"),
-              (Refusal{"InvalidEnumError", "invalid DisplayOption text \"some\""}));
+              (Refusal{"InvalidEnumError", "displayOptions_: invalid DisplayOption text \"some\""}));
 }
 
 // ---- as a table

@@ -61,7 +61,7 @@ TEST(NvmOpEvt, MayBeCausedByAMessageThatExpectsNoAnswer) {
 
 TEST(NvmOpEvt, RefusesAnUnknownOperation) {
     EXPECT_EQ(errorOf([] { readBack<NvmOpEvt>(R"({"__name__":"zorv::NvmOpEvt","op_":"validate"})"); }),
-              "InvalidEnumError: invalid NvmOp text \"validate\"");
+              "InvalidEnumError: op_: invalid NvmOp text \"validate\"");
 }
 
 TEST(NvmOpEvt, PrintsItsWireText) {

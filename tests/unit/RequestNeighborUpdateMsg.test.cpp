@@ -59,7 +59,7 @@ TEST(RequestNeighborUpdateMsg, ShowsTheNodeIdInHexAndTheStatus) {
 
 TEST(RequestNeighborUpdateMsg, RefusesAnUnknownStatus) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RequestNeighborUpdateMsg","status_":"overflow"})"),
-              R"(InvalidEnumError: invalid RequestNeighborUpdateStatus text "overflow")");
+              R"(InvalidEnumError: status_: invalid RequestNeighborUpdateStatus text "overflow")");
 }
 
 } // namespace

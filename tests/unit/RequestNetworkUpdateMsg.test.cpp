@@ -63,7 +63,7 @@ TEST(RequestNetworkUpdateMsg, ShowsItsStatusAndItsSignedTimeout) {
 
 TEST(RequestNetworkUpdateMsg, RefusesAnUnknownStatus) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::RequestNetworkUpdateMsg","status_":"started"})"),
-              R"(InvalidEnumError: invalid RequestNetworkUpdateStatus text "started")");
+              R"(InvalidEnumError: status_: invalid RequestNetworkUpdateStatus text "started")");
 }
 
 } // namespace

@@ -224,7 +224,7 @@ TEST(SendCommandMsg, RefusesDestinationsThatAreNotAnArray) {
 
 TEST(SendCommandMsg, RefusesUnknownOptions) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SendCommandMsg","options_":"ack|fast"})"),
-              "InvalidEnumError: invalid TransmitOption text \"ack|fast\"");
+              "InvalidEnumError: options_: invalid TransmitOption text \"ack|fast\"");
 }
 
 TEST(SendCommandMsg, SharesItsCommandWithItsClone) {

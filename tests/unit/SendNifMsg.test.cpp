@@ -37,7 +37,7 @@ TEST(SendNifMsgDeathTest, ResponseToANullRequestEndsTheProcess) {
 
 TEST(SendNifMsg, RefusesAnUnknownOption) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SendNifMsg","options_":"ack|beam"})"),
-              R"(InvalidEnumError: invalid TransmitOption text "ack|beam")");
+              R"(InvalidEnumError: options_: invalid TransmitOption text "ack|beam")");
 }
 
 } // namespace

@@ -316,7 +316,7 @@ TEST(SerializerReader, NamesLineAndColumnOfWhatIsMalformed) {
 
 TEST(SerializerReader, RefusesWhatComesAfterTheValue) {
     for (auto const* const text : {"{}{}", "{} x", "1 2", "true false", "{}]", "\"a\"\"b\""}) {
-        EXPECT_THAT(malformed(text), HasSubstr("Extra non-whitespace after JSON value")) << text;
+        EXPECT_THAT(malformed(text), HasSubstr("more text after the value")) << text;
     }
 }
 
@@ -329,7 +329,7 @@ TEST(SerializerReader, RefusesComments) {
 }
 
 TEST(SerializerReader, RefusesAKeyThatComesTwice) {
-    EXPECT_EQ(malformed(R"({"a":1,"a":2})"), "malformed text: line 1, column 8: Duplicate key: 'a'");
+    EXPECT_EQ(malformed(R"({"a":1,"a":2})"), "malformed text: line 1, column 8: duplicate key \"a\"");
 }
 
 TEST(SerializerReader, RefusesNumbersThatAreNone) {
@@ -413,9 +413,12 @@ TEST(SerializerReader, BracketsInStringsAreNoNesting) {
     EXPECT_EQ(read<std::string>('"' + repeated("[{", 1000) + '"'), repeated("[{", 1000));
 }
 
-TEST(SerializerReader, RefusesMoreCommasThanTheTreeHasRoomForValues) {
-    EXPECT_EQ(malformed("[" + repeated("0,", 1048577) + "0]"),
-              "malformed text: line 1, column 2097155: more than 1048576 commas");
+TEST(SerializerReader, RefusesMoreValuesThanAllowed) {
+    EXPECT_EQ(malformed("[" + repeated("0,", 1048574) + "0]"), "it was read");
+    EXPECT_EQ(malformed("[" + repeated("0,", 1048575) + "0]"),
+              "malformed text: line 1, column 2097152: more than 1048576 values");
+    EXPECT_EQ(malformed("[" + repeated("[],", 1048575) + "0]"),
+              "malformed text: line 1, column 3145727: more than 1048576 values");
     EXPECT_EQ(read<std::string>('"' + repeated(",", 1048577) + '"').size(), 1048577U);
 }
 

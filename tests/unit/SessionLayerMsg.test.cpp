@@ -35,7 +35,8 @@ TEST(SessionLayerMsg, RefusesTheOperationTextInvalid) {
     auto const value = text.find(R"("op_":"status")");
     ASSERT_NE(value, std::string::npos);
     text.replace(value, 14, R"("op_":"invalid")");
-    EXPECT_EQ(errorOf([&] { readSerializable(text); }), R"(InvalidEnumError: invalid SessionLayerOp text "invalid")");
+    EXPECT_EQ(errorOf([&] { readSerializable(text); }),
+              R"(InvalidEnumError: op_: invalid SessionLayerOp text "invalid")");
 }
 
 TEST(SessionLayerMsg, HasTwoOperations) {

@@ -35,9 +35,9 @@ TEST(SocketStatusMsg, WritesAnEventInHex) { EXPECT_EQ(toHex(SocketEvent::error),
 
 TEST(SocketStatusMsg, NamesTheEnumerationOfAnUnknownText) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SocketStatusMsg","status_":"Connect"})"),
-              R"(InvalidEnumError: invalid SocketEvent text "Connect")");
+              R"(InvalidEnumError: status_: invalid SocketEvent text "Connect")");
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SocketStatusMsg","actor_":"error"})"),
-              R"(InvalidEnumError: invalid SocketActor text "error")");
+              R"(InvalidEnumError: actor_: invalid SocketActor text "error")");
 }
 
 } // namespace

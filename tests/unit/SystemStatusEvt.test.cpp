@@ -44,7 +44,7 @@ TEST(SystemStatusEvt, RefusesToRespondToANullRequest) {
 
 TEST(SystemStatusEvt, RefusesAnUnknownStatus) {
     EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::SystemStatusEvt","status_":"Ready"})"),
-              R"(InvalidEnumError: invalid SystemStatus text "Ready")");
+              R"(InvalidEnumError: status_: invalid SystemStatus text "Ready")");
 }
 
 } // namespace

@@ -95,9 +95,10 @@ TEST(TMessage, RefusesHeaderMembersOfTheWrongKind) {
     EXPECT_EQ(errorOfHeader(R"({"version_":"1"})"), "SerializerError: version_: expected int, got string");
     EXPECT_EQ(errorOfHeader(R"({"id_":"x"})"), "SerializerError: id_: expected UUID, got \"x\"");
     EXPECT_EQ(errorOfHeader(R"({"timestamp_":0})"), "SerializerError: timestamp_: expected string, got int");
-    EXPECT_EQ(errorOfHeader(R"({"priority_":"urgent"})"), "InvalidEnumError: invalid Priority text \"urgent\"");
+    EXPECT_EQ(errorOfHeader(R"({"priority_":"urgent"})"),
+              "InvalidEnumError: priority_: invalid Priority text \"urgent\"");
     EXPECT_EQ(errorOfHeader(R"({"source_":"here"})"), "SerializerError: source_: expected TCP endpoint, got \"here\"");
-    EXPECT_EQ(errorOfHeader(R"({"role_":"Request"})"), "InvalidEnumError: invalid MessageRole text \"Request\"");
+    EXPECT_EQ(errorOfHeader(R"({"role_":"Request"})"), "InvalidEnumError: role_: invalid MessageRole text \"Request\"");
     EXPECT_EQ(errorOfHeader(R"({"correlation_":null})"), "SerializerError: correlation_: expected string, got null");
 }
 

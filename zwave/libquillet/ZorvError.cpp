@@ -20,7 +20,14 @@ ZorvError::~ZorvError() = default;
 TransportError::~TransportError() = default;
 NullPointerError::~NullPointerError() = default;
 MessageError::~MessageError() = default;
+SyntaxError::SyntaxError(std::string const& message, std::string const& place)
+    : MessageError(message), place_(std::make_shared<std::string const>(place)) {}
 SyntaxError::~SyntaxError() = default;
+
+std::string const& SyntaxError::place() const noexcept {
+    static std::string const unknown;
+    return place_ ? *place_ : unknown;
+}
 
 ZorvError& ZorvError::operator=(ZorvError const& other) noexcept {
     std::runtime_error::operator=(other);

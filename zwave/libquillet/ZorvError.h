@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/libtransport/PlacedError.h"
 #include "platform/libzorvlogger/StackTrace.h"
 #include "zwave/libquillet/Export.h"
 
@@ -66,12 +67,18 @@ public:
 };
 
 /// JSON of the wrong shape.
-class QUILLET_EXPORT SyntaxError : public MessageError {
+class QUILLET_EXPORT SyntaxError : public MessageError, public PlacedError {
 public:
     using MessageError::MessageError;
+    SyntaxError(std::string const& message, std::string const& place);
     SyntaxError(SyntaxError const&) = default;
     SyntaxError& operator=(SyntaxError const&) = default;
     ~SyntaxError() override;
+
+    std::string const& place() const noexcept override;
+
+private:
+    std::shared_ptr<std::string const> place_; // shared, so that a copy cannot fail
 };
 
 } // namespace zorv

@@ -97,7 +97,7 @@ struct ValueReader {
 /// Reads an object that insertRecord wrote.
 template <class Reader = ValueReader, class Self, class Members>
 void extractRecord(Serializer& s, Self& self, Members const& members, Reader read = {}) {
-    std::apply([&](auto const&... m) { ((s >> m.key.data(), read(s, self.*m.pointer)), ...); }, members);
+    std::apply([&](auto const&... m) { ((s.select(m.key), read(s, self.*m.pointer)), ...); }, members);
     s >> finished;
 }
 

@@ -15,7 +15,7 @@ namespace zorv {
 
 inline void requireArray(Serializer& s) {
     if (s.isArray()) { return; }
-    throw SyntaxError("expected array, got " + Serializer::toString(s.topNode().type()));
+    throw SyntaxError("expected array, got " + std::string(s.typeName()), s.path());
 }
 
 /// The vector takes the array's length; elements that were there are read over.

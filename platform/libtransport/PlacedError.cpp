@@ -1,0 +1,7 @@
+#include "platform/libtransport/PlacedError.h"
+
+namespace zorv {
+
+PlacedError::~PlacedError() = default; // here, so that one library has the type information
+
+} // namespace zorv

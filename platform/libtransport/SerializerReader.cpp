@@ -1,0 +1,394 @@
+#include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/Serializable.h"
+#include "platform/libtransport/Serializer.h"
+#include "platform/libtransport/SerializerError.h"
+#include "platform/libtransport/json/checkText.h"
+#include "platform/libtransport/json/numbers.h"
+#include "platform/libtransport/json/scan.h"
+#include "platform/libtransport/json/strings.h"
+#include "platform/libtransport/json/toJsonValue.h"
+#include "platform/libtransport/throwInvalidEnum.h"
+
+#include <charconv>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+// The reader. Values that are read in the order of the text are found without a search: a selected object or array
+// remembers where its next member or element begins, and checkText() has noted where objects and arrays end. All text
+// has been checked, so that no step asks whether the grammar holds.
+
+namespace zorv {
+
+namespace {
+
+using scan::skipBlanks;
+
+std::string_view between(char const* begin, char const* end) noexcept {
+    return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+/// The characters of a string that ends before `behind`, without its quotes.
+std::string_view inQuotes(char const* first, char const* behind) noexcept { return between(first + 1, behind - 1); }
+
+bool hasEscape(std::string_view string) noexcept { return string.find('\\') != std::string_view::npos; }
+
+bool isText(std::string_view string, std::string_view text) {
+    if (!hasEscape(string)) { return string == text; }
+    std::string unescaped;
+    appendUnescaped(unescaped, string);
+    return unescaped == text;
+}
+
+} // namespace
+
+Serializer::Serializer(std::string text) : reading_(true), text_(std::move(text)) { check(text_); }
+
+Serializer::Serializer(InPlace, std::string const& text) : reading_(true) { check(text); }
+
+void Serializer::check(std::string const& text) {
+    auto shape = checkText(text);
+    begin_ = text.data();
+    end_ = begin_ + text.size();
+    extents_ = std::move(shape.extents);
+    stack_.reserve(shape.depth + 4); // a value in the innermost array, and a few that are absent
+    rewind();
+}
+
+// ---- the stack
+
+Serializer::Place const* Serializer::selected() const noexcept {
+    return stack_.empty() || stack_.back().value.isNowhere() ? nullptr : &stack_.back();
+}
+
+bool Serializer::is(char bracket) const noexcept {
+    auto const* const place = selected();
+    return place != nullptr && *at(place->value) == bracket;
+}
+
+Serializer::Place Serializer::placeOf(Step value) const {
+    Place place;
+    place.value = value;
+    if (!value.isNowhere() && (*at(value) == '{' || *at(value) == '[')) { place.next = firstIn(value); }
+    return place;
+}
+
+/// Takes the selection, which is not absent, off the stack, and goes on behind it.
+void Serializer::pop(Step behind) {
+    stack_.pop_back();
+    if (stack_.empty()) { return; }
+    top().next = separated(behind);
+    ++top().index;
+}
+
+void Serializer::rewind() {
+    stack_.clear();
+    stack_.push_back(placeOf(stepTo(skipBlanks(begin_), 0)));
+}
+
+void Serializer::drop() {
+    if (selected() != nullptr) {
+        pop(behind(top().value));
+    } else if (!stack_.empty()) {
+        stack_.pop_back();
+    }
+}
+
+bool Serializer::skipAbsent() {
+    if (selected() != nullptr) { return false; }
+    drop();
+    return true;
+}
+
+// ---- steps through the text
+
+char const* Serializer::skipString(char const* first) const {
+    auto const* at = scan::findQuoteOrEscape(first + 1, end_);
+    while (*at == '\\') { at = scan::findQuoteOrEscape(at + 2, end_); }
+    return at + 1;
+}
+
+/// Steps over the key at `at` where that is written like `key`, which has no escapes; null where it is not.
+char const* Serializer::skipKey(char const* at, std::string_view key) const {
+    auto const length = key.size() + 2; // with its quotes
+    bool const same = static_cast<std::size_t>(end_ - at) > length && at[0] == '"' && at[length - 1] == '"' &&
+                      std::memcmp(at + 1, key.data(), key.size()) == 0;
+    return same ? at + length : nullptr;
+}
+
+/// Steps from behind a key to its value.
+Serializer::Step Serializer::skipColon(char const* at, std::uint32_t extent) const {
+    return stepTo(skipBlanks(skipBlanks(at) + 1), extent);
+}
+
+/// The first member or element of an object or array, or its closing bracket.
+Serializer::Step Serializer::firstIn(Step value) const { return stepTo(skipBlanks(at(value) + 1), value.extent + 1); }
+
+/// The bracket that ends an object or array.
+char const* Serializer::endOf(Step value) const { return begin_ + extents_[value.extent].end; }
+
+Serializer::Step Serializer::behind(Step value) const {
+    auto const* const first = at(value);
+    switch (*first) {
+    case '{':
+    case '[': return {extents_[value.extent].end + 1, extents_[value.extent].next};
+    case '"': return stepTo(skipString(first), value.extent);
+    default: return stepTo(skipScalar(first, end_), value.extent);
+    }
+}
+
+/// From behind a value to the next member or element, or to the bracket that ends them.
+Serializer::Step Serializer::separated(Step behind) const {
+    auto const* next = skipBlanks(at(behind));
+    if (*next == ',') { next = skipBlanks(next + 1); }
+    return stepTo(next, behind.extent);
+}
+
+/// Makes the element of that number the next one, or the closing bracket where there is none.
+void Serializer::stepTo(Place& array, std::size_t index) const {
+    if (index < array.index) {
+        array.next = firstIn(array.value);
+        array.index = 0;
+    }
+    for (; array.index < index && *at(array.next) != ']'; ++array.index) { array.next = separated(behind(array.next)); }
+}
+
+// ---- selecting
+
+/// Looks for a member's value, from one member on and up to a place of the text.
+Serializer::Step Serializer::findFrom(Step step, char const* last, std::string_view key) const {
+    while (at(step) < last) {
+        auto const* const behindKey = skipString(at(step));
+        auto const value = skipColon(behindKey, step.extent);
+        if (isText(inQuotes(at(step), behindKey), key)) { return value; }
+        step = separated(behind(value));
+    }
+    return nowhere;
+}
+
+/// Looks for a member's value where the object is read next, then behind that, then before it.
+Serializer::Step Serializer::find(Place const& object, std::string_view key) const {
+    auto const* const next = at(object.next);
+    if (auto const* const behindKey = skipKey(next, key)) { return skipColon(behindKey, object.next.extent); }
+    auto const found = findFrom(object.next, endOf(object.value), key);
+    return found.isNowhere() ? findFrom(firstIn(object.value), next, key) : found;
+}
+
+/// Selects the first entry of an array of bases that has the serial name.
+void Serializer::selectBase(Place& array, std::string_view serialName) {
+    for (stepTo(array, 0); *at(array.next) != ']'; stepTo(array, array.index + std::size_t{1})) {
+        if (*at(array.next) != '{') { continue; }
+        auto entry = placeOf(array.next);
+        auto const className = find(entry, name);
+        if (className.isNowhere() || *at(className) != '"') { continue; }
+        auto const behindName = behind(className);
+        if (!isText(inQuotes(at(className), at(behindName)), serialName)) { continue; }
+        entry.next = separated(behindName);
+        stack_.push_back(entry);
+        return;
+    }
+    stack_.emplace_back();
+}
+
+Serializer& Serializer::select(std::string_view key) {
+    auto const* const place = selected();
+    if (place == nullptr) {
+        stack_.emplace_back(); // nothing is found below an absent value
+    } else if (is('{')) {
+        stack_.push_back(placeOf(find(*place, key)));
+        top().isBases = key == bases;
+        if (top().isBases && selected() != nullptr && !isArray()) { failExpected("array"); }
+    } else if (place->isBases) {
+        selectBase(top(), key);
+    } else {
+        failExpected("object");
+    }
+    return *this;
+}
+
+Serializer& Serializer::operator>>(char const* key) {
+    // A key that has to be escaped is not written in the text as it is, and is looked for in the slow way.
+    if (std::strpbrk(key, "\"\\") == nullptr || !is('{')) { return select(key); }
+    auto const& object = top();
+    stack_.push_back(placeOf(findFrom(firstIn(object.value), endOf(object.value), key)));
+    return *this;
+}
+
+std::size_t Serializer::size() const {
+    if (!isArray()) { failExpected("array"); }
+    return extents_[selected()->value.extent].count;
+}
+
+Serializer& Serializer::element(std::size_t index) {
+    Place element;
+    if (isArray()) {
+        stepTo(top(), index);
+        if (*at(top().next) != ']') { element = placeOf(top().next); }
+    }
+    stack_.push_back(element);
+    return *this;
+}
+
+bool Serializer::isNull() const noexcept { return is('n'); }
+
+bool Serializer::isArray() const noexcept { return is('['); }
+
+// ---- values
+
+Serializer& Serializer::operator>>(bool& value) {
+    if (skipAbsent()) { return *this; }
+    if (!is('t') && !is('f')) { failExpected("boolean"); }
+    value = is('t');
+    drop();
+    return *this;
+}
+
+template <class Integer> Serializer& Serializer::readInteger(Integer& value, char const* expected) {
+    if (skipAbsent()) { return *this; }
+    auto const step = top().value;
+    Integer read = 0;
+    auto const parsed = std::from_chars(at(step), end_, read);
+    bool const isWhole = *parsed.ptr != '.' && *parsed.ptr != 'e' && *parsed.ptr != 'E';
+    if (parsed.ec != std::errc() || !isWhole) { requireZero(at(step), expected); }
+    value = read;
+    pop(stepTo(skipScalar(parsed.ptr, end_), step.extent));
+    return *this;
+}
+
+/// Refuses what is no integer of the kind that is read; but an unsigned zero may have a sign.
+void Serializer::requireZero(char const* at, char const* expected) const {
+    auto const type = typeAt(at);
+    if (type != Json::intValue && type != Json::uintValue) { failExpected(expected); }
+    std::string const number(at, skipScalar(at, end_));
+    if (number != "-0") { fail(std::string("expected ") + expected + ", got " + number); }
+}
+
+Serializer& Serializer::operator>>(int& value) { return readInteger(value, "int"); }
+Serializer& Serializer::operator>>(unsigned int& value) { return readInteger(value, "unsigned int"); }
+Serializer& Serializer::operator>>(unsigned char& value) { return readInteger(value, "unsigned byte"); }
+Serializer& Serializer::operator>>(unsigned short& value) { return readInteger(value, "unsigned short"); }
+
+Serializer& Serializer::operator>>(double& value) {
+    if (skipAbsent()) { return *this; }
+    auto const step = top().value;
+    auto const* const first = at(step);
+    if (*first != '-' && !scan::isDigit(*first)) { failExpected("number"); }
+    auto const* const behind = skipScalar(first, end_);
+    value = toDouble(between(first, behind));
+    pop(stepTo(behind, step.extent));
+    return *this;
+}
+
+Serializer& Serializer::operator>>(std::string& value) {
+    if (skipAbsent()) { return *this; }
+    value = text();
+    drop();
+    return *this;
+}
+
+std::string_view Serializer::text() {
+    if (!is('"')) { failExpected("string"); }
+    auto const* const first = at(top().value);
+    auto const string = inQuotes(first, skipString(first));
+    if (!hasEscape(string)) { return string; }
+    unescaped_.clear();
+    appendUnescaped(unescaped_, string);
+    return unescaped_;
+}
+
+Serializable* Serializer::deserialize() {
+    if (!is('{')) { failExpected("object"); }
+    auto const depth = stack_.size();
+    auto const object = top().value;
+    select(name);
+    if (skipAbsent()) { fail("object without a \"" + name + '"'); }
+    auto const className = text();
+    drop();
+    if (className.empty()) { fail("object without a \"" + name + '"'); }
+    auto const factory = SerialRegistry::find(className);
+    if (!factory) { fail("unknown class \"" + std::string(className) + '"'); }
+    std::unique_ptr<Serializable> made(factory(*this, nullptr));
+    // Not every class ends its reading with `finished`; the value is consumed all the same.
+    if (stack_.size() >= depth) {
+        stack_.resize(depth);
+        pop(behind(object));
+    }
+    return made.release();
+}
+
+Json::Value const& Serializer::topNode() {
+    if (skipAbsent()) { return Json::Value::nullSingleton(); }
+    node_ = std::make_unique<Json::Value>(toJsonValue(at(top().value), end_));
+    drop();
+    return *node_;
+}
+
+// ---- error texts
+
+char const* Serializer::typeName() const {
+    auto const* const place = selected();
+    return nameOfType(place != nullptr ? typeAt(at(place->value)) : Json::nullValue);
+}
+
+char const* Serializer::nameOfType(int type) {
+    switch (type) {
+    case Json::nullValue: return "null";
+    case Json::intValue: return "int";
+    case Json::uintValue: return "uint";
+    case Json::realValue: return "real";
+    case Json::stringValue: return "string";
+    case Json::booleanValue: return "boolean";
+    case Json::arrayValue: return "array";
+    case Json::objectValue: return "object";
+    default: return "unknown";
+    }
+}
+
+/// The key of a member whose value begins there.
+std::string Serializer::keyOf(Step member, Step object) const {
+    for (auto step = firstIn(object); at(step) < at(member);) {
+        auto const* const behindKey = skipString(at(step));
+        auto const value = skipColon(behindKey, step.extent);
+        if (value.at == member.at) {
+            std::string key;
+            appendUnescaped(key, inQuotes(at(step), behindKey));
+            return key;
+        }
+        step = separated(behind(value));
+    }
+    return {};
+}
+
+std::string Serializer::path() const {
+    std::string path;
+    for (std::size_t i = 1; i < stack_.size() && !stack_[i].value.isNowhere(); ++i) {
+        auto const& parent = stack_[i - 1];
+        if (parent.isBases) { continue; }
+        if (*at(parent.value) == '[') {
+            path += '[' + std::to_string(parent.index) + ']';
+        } else if (!stack_[i].isBases || i + 1 == stack_.size()) {
+            path += (path.empty() ? "" : ".") + keyOf(stack_[i].value, parent.value);
+        }
+    }
+    return path;
+}
+
+void Serializer::fail(std::string const& complaint) const {
+    auto const where = path();
+    throw SerializerError(where.empty() ? complaint : where + ": " + complaint);
+}
+
+void Serializer::fail(InvalidEnumError const& error) const { throw InvalidEnumError(path(), error); }
+
+void Serializer::failExpected(char const* expected) const {
+    fail(std::string("expected ") + expected + ", got " + typeName());
+}
+
+Serializer& basector(Serializer& s) { return s; }
+
+Serializer& finished(Serializer& s) {
+    s.drop();
+    return s;
+}
+
+} // namespace zorv
