@@ -33,11 +33,15 @@ public:
         auto root = log4cplus::Logger::getRoot();
         if (!root.getAllAppenders().empty()) { return; }
         console_ = new NonBlockingConsole(STDERR_FILENO);
+        // An appender's destructor logs, and ends the process where no memory is left for that. A console that cannot be
+        // set up is therefore never destroyed: only success takes this reference back.
+        console_->addReference();
         console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%d{%Y-%m-%dT%H:%M:%S.%qZ} %p %m%n")); // UTC
         consoleThreshold(LogLevel::warn);
         root.addAppender(console_);
         // log4cplus starts four threads for asynchronous appenders as it is loaded. Here is none: it keeps one of them.
         log4cplus::setThreadPoolSize(0);
+        console_->removeReference();
     }
 
     // The console's code goes with this library; log4cplus may stay.
