@@ -296,11 +296,15 @@ void MessageBus::answer(PeerId asker, ConfirmablePtr const& response) {
 bool MessageBus::sendAnswer(PeerId to, ConfirmablePtr const& response) {
     try {
         auto const text = toText(*response);
-        if (text.size() > peers_.at(to).connection.longestLine()) {
-            throw std::length_error("a line of " + std::to_string(text.size()) + " bytes is too long");
+        bool const fits = text.size() <= peers_.at(to).connection.longestLine();
+        if (fits) {
+            deliver(to, response, text);
+        } else {
+            warn("cannot write " + response->name() + ": a line of " + std::to_string(text.size()) +
+                     " bytes is too long",
+                 BOOST_CURRENT_LOCATION);
         }
-        deliver(to, response, text);
-        return true;
+        return fits;
     } catch (std::exception const& error) {
         warn("cannot write " + response->name(), error);
         return false;

@@ -117,7 +117,11 @@ TEST(ObserveMsg, CarriesItselfDownToTheDepthThatTheReaderAllows) {
 }
 
 TEST(ObserveMsg, IsRefusedWhenNestedDeeperThanTheReaderAllows) {
-    auto const error = errorOfReading(nested(121));
+    EXPECT_THAT(errorOf([] { nested(121); }), EndsWith("nested deeper than 128 levels")); // no writer makes such a text
+    auto text = nested(120);
+    auto const innermost = text.find(R"({"__name__":"zorv::PingMsg")");
+    text.insert(text.find('}', innermost), R"(,"more":[[[[[[[[[[[]]]]]]]]]]])");
+    auto const error = errorOfReading(text);
     EXPECT_THAT(error, StartsWith("SerializerError: malformed text: line 1, column "));
     EXPECT_THAT(error, EndsWith(": nested deeper than 128 levels"));
 }
