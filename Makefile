@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The commands that a newcomer types. Everything here is a script or a CMake preset that can be called by itself.
 
 PRESET ?= dev

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time to write and to read a message and an enumeration.
 
 #include "platform/libtransport/Serializer.h"

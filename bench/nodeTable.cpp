@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writing, reading and showing a node table of the largest network that Z-Wave allows: 232 nodes of 40 command classes.
 // The range is the number of nodes, so that anything that grows faster than the table stands out.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time and peak memory of ManageNvmMsg::read over backup files of 1, 8 and 64 MiB.
 //
 // Each reading has a process of its own, because a process's peak memory never falls. The peak is that of the reading:

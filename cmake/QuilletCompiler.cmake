@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # How everything in this tree is compiled.
 
 set(CMAKE_CXX_STANDARD 17)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What is found on the system. Nothing is downloaded. The versions are the oldest that are supported.
 
 find_package(Boost 1.72 REQUIRED COMPONENTS filesystem)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # find_package(quillet) and pkg-config for whoever builds against an installed tree.
 
 include(CMakePackageConfigHelpers)

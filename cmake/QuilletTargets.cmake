@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # One function per kind of target, so that a folder's CMakeLists.txt only says what is its own.
 
 include(GoogleTest)

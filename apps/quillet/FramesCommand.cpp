@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Command.h"
 
 #include "platform/libtransport/hexDigits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Session.h"
 
 #include "platform/libio/connectTcp.h"

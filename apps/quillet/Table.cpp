@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Table.h"
 
 #include "platform/libzorvlogger/printable.h"

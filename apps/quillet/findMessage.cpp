@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/findMessage.h"
 
 #include "zwave/libquillet/Catalogue.h"

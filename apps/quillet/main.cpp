@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/commandLine.h"
 #include "apps/quillet/Command.h"
 #include "apps/quillet/ExitCode.h"

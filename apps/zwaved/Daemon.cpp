@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "apps/zwaved/Daemon.h"
 
 #include "platform/libzorvlogger/Logger.h"

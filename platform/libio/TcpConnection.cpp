@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libio/TcpConnection.h"
 
 #include "platform/libio/TcpBudget.h"

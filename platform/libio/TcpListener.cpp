@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libio/TcpListener.h"
 
 #include "platform/libio/EventLoop.h"

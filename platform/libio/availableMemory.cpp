@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libio/availableMemory.h"
 
 #include <sys/resource.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/Message.h"
 
 #include "platform/libzorvlogger/StackTrace.h"

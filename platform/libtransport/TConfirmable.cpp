@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/TConfirmable.h"
 
 #include "platform/libtransport/tables/MemberTable.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/TimeStamp.h"
 
 #include <boost/date_time/gregorian/gregorian_types.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/readMessage.h"
 
 #include "platform/libtransport/PlacedError.h"

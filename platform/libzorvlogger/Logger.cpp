@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvlogger/Logger.h"
 
 #include "platform/libzorvlogger/NonBlockingConsoleImpl.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvlogger/NonBlockingConsoleImpl.h"
 
 #include <log4cplus/layout.h>

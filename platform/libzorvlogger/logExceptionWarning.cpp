@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvlogger/logExceptionWarning.h"
 
 #include "platform/libzorvlogger/Logger.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvshared/Device.h"
 
 #include "platform/libtransport/tables/FramedRecordImpl.h"

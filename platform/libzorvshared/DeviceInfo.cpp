@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvshared/DeviceInfo.h"
 
 #include "platform/libtransport/tables/ValueRecordImpl.h"

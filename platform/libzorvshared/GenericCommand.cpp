@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvshared/GenericCommand.h"
 
 #include "platform/libtransport/tables/MemberTable.h"

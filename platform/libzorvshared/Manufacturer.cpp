@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvshared/Manufacturer.h"
 
 #include "platform/libtransport/format16Bits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a ping and reads it back, with nothing but the installed headers and libraries.
 
 #include "platform/libtransport/readSerializable.h"

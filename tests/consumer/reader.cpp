@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads a message without naming its class, and so calls nothing of the catalogue.
 
 #include "platform/libtransport/Message.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Attacks the daemon in every way that its limits are made for, while one well-behaved client goes on with its work.
 
 #include "tests/scenario/LineClient.h"

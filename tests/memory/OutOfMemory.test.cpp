@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What happens where memory runs out. The program's own operator new refuses large allocations while a test says so,
 // also those of the libraries; so these tests have a program of their own.
 

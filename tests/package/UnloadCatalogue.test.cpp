@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // This program links to the platform but not to libquillet.so, so that the catalogue comes and goes with dlopen.
 
 #include "platform/libtransport/SerialRegistrar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libio/EventLoop.h"
 #include "platform/libio/TcpListener.h"
 #include "tests/scenario/LineClient.h"

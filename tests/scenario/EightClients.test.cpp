@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libio/connectTcp.h"
 #include "platform/libmessage_bus/MessageBus.h"
 #include "tests/scenario/Process.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/scenario/LineClient.h"
 
 #include "platform/libtransport/readMessage.h"

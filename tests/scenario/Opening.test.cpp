@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/scenario/LineClient.h"
 #include "tests/scenario/Process.h"
 #include "zwave/libquillet/Confirmable.h"

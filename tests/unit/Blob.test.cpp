@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/SerializerError.h"
 #include "tests/unit/LogCapture.h"
 #include "tests/unit/errorText.h"

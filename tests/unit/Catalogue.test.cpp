@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What holds for every message, for every message of the catalogue's list. A message's golden file gives its wire text
 // with every member set to a value of its own; this suite takes the text apart and puts it together again.
 

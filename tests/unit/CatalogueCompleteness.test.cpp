@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The catalogue is complete against its own list: the registry, the golden texts, the schema and the reference hold the
 // same classes.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a message makes of its member table, shown on a message that has a member of every kind.
 
 #include "zwave/libquillet/Confirmable.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every enumeration against a list of its numbers and texts that is written by hand: tests/golden/enums. The tables take
 // their texts from the identifiers, so that only these lists notice when one is renamed: peers, modules and nodes would.
 

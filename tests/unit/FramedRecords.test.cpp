@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What holds for every record that is referred to, as the suite over the catalogue's list does for messages.
 
 #include "platform/libzorvshared/Device.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts that went wrong on the way. Whatever a peer sends is either refused with an exception or read as a message
 // that behaves: it writes itself, the text it writes reads back to the same text, and it can be shown, printed and
 // answered.

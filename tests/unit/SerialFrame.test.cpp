@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "zwave/libserialapi/Frame.h"
 #include "zwave/libserialapi/FrameReader.h"
 

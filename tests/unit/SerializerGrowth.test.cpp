@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A text costs time in proportion to its size, whatever a peer has made of its order, depth and keys.
 
 #include "platform/libtransport/Serializer.h"

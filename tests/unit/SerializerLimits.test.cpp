@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the writer makes can be read back, or the writer refuses it as the reader would.
 
 #include "platform/libtransport/SerialValue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers on the wire have a point, whatever the user's language writes.
 
 #include "platform/libtransport/Serializer.h"

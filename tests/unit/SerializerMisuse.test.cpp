@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What reads or writes something else than it seems to does not compile.
 
 #include "platform/libtransport/SerialValue.h"

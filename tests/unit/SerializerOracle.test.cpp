@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reader against the plainest one that can be written: a tree, made by JsonCpp. Both have to say the same of every
 // text, good or damaged.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/Serializer.h"
 
 #include "tests/unit/wire.h"

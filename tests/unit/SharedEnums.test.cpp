@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shared enumerations against their tables, written down a second time: numbers and texts are what peers, modules
 // and nodes exchange, so neither may change with the code.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
 

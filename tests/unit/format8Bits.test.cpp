@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/format8Bits.h"
 
 #include "platform/libtransport/format16Bits.h"

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* A host program without anything of this project: it loads the catalogue and a plug-in that uses it, has the plug-in
    work on a thread that goes on living, unloads both, and looks whether anything of them is still in memory. */
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a host's plug-in does with the catalogue: it reads messages, good and bad, and lets a line be logged.
 
 #include "platform/libtransport/SerializerError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "zwave/libquillet/ControllerInfoMsg.h"
 
 #include "platform/libtransport/format16Bits.h"

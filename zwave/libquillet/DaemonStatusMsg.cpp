@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "zwave/libquillet/DaemonStatusMsg.h"
 
 #include "platform/libtransport/tables/FlagTable.h"

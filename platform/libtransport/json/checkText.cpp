@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/json/checkText.h"
 
 #include "platform/libtransport/SerializerError.h"

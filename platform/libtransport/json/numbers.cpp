@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/json/numbers.h"
 
 #include "platform/libtransport/json/scan.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/tables/FlagTexts.h"
 
 #include "platform/libtransport/tables/TypeDescriptor.h"
