@@ -9,7 +9,6 @@
 #include "platform/libzorvshared/RawCommand.h"
 #include "zwave/libquillet/Catalogue.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
 
 #include <json/reader.h>
 
@@ -17,17 +16,13 @@
 #include <memory>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 namespace zorv {
 
 namespace {
 
 using Classes = std::map<std::string, WireClass>;
-
-struct Description {
-    std::string base;
-    std::vector<MemberDescriptor> members;
-};
 
 /// By default the daemon's device information names the type of the machine; the reference is the same on every one.
 void dropMachineDependentDefault(std::vector<MemberDescriptor>& members) {
@@ -36,21 +31,25 @@ void dropMachineDependentDefault(std::vector<MemberDescriptor>& members) {
     found->defaultJson.clear();
 }
 
-std::map<std::string, Description> describeAll() {
-    std::map<std::string, Description> all;
-    for (auto const* const message : describeCatalogue()) {
-        all[message->serialName] = {message->base, message->members};
-    }
+/// A base whose frame is written without a member table.
+TypeDescriptor describeBase(char const* serialName, std::string base, std::vector<MemberDescriptor> members) {
+    TypeDescriptor type{TypeDescriptor::Kind::framed, serialName};
+    type.base = std::move(base);
+    type.members = std::move(members);
+    return type;
+}
+
+std::map<std::string, TypeDescriptor> describeAll() {
+    auto types = describeCatalogue();
+    types.insert(types.end(),
+                 {Confirmable::describe(), TConfirmable::describe(), TMessage::describe(), Blob::describe(),
+                  Device::describe(), RawCommand::describe(),
+                  describeBase(GenericCommand::serialName(), Serializable::serialName(), {}),
+                  describeBase(Serializable::serialName(), "",
+                               {{"version_", "version of the class's wire form", describeType(Type<int>()), "1"}})});
+    std::map<std::string, TypeDescriptor> all;
+    for (auto const& type : types) { all.emplace(type.name, type); }
     dropMachineDependentDefault(all.at(ControllerInfoMsg::serialName()).members);
-    all[Confirmable::serialName()] = {TConfirmable::serialName(), {}};
-    all[TConfirmable::serialName()] = {TMessage::serialName(), TConfirmable::describe().members};
-    all[TMessage::serialName()] = {"", TMessage::describe().members};
-    all[Serializable::serialName()] = {
-        "", {{"version_", "version of the class's wire form", describeType(Type<int>()), "1"}}};
-    all[Blob::serialName()] = {"", Blob::describe().members};
-    all[Device::serialName()] = {"", Device::describe().members};
-    all[RawCommand::serialName()] = {GenericCommand::serialName(), RawCommand::describe().members};
-    all[GenericCommand::serialName()] = {};
     return all;
 }
 
@@ -65,18 +64,17 @@ void requireDescribed(Json::Value const& frame, std::vector<MemberDescriptor> co
 }
 
 /// Adds the class that a frame shows, and those of the frames inside it.
-void add(Classes& classes, Json::Value const& frame, std::map<std::string, Description> const& all) {
+void add(Classes& classes, Json::Value const& frame, std::map<std::string, TypeDescriptor> const& all) {
     auto const name = frame["__name__"].asString();
-    auto const& description = all.at(name);
-    requireDescribed(frame, description.members);
     auto& entry = classes[name];
-    entry.name = name;
-    entry.base = description.base;
-    entry.members = description.members;
+    entry.type = all.at(name);
     entry.frame = frame;
+    requireDescribed(frame, entry.type.members);
     for (auto const& base : frame["__bases__"]) {
         add(classes, base, all);
-        entry.base = base["__name__"].asString();
+        if (entry.type.base != base["__name__"].asString()) {
+            throw std::logic_error(name + " has another base than it is described with");
+        }
     }
 }
 
@@ -84,7 +82,7 @@ bool derivesFrom(Classes const& classes, std::string name, std::string const& ba
     while (name != base) {
         auto const found = classes.find(name);
         if (found == classes.end()) { return false; }
-        name = found->second.base;
+        name = found->second.type.base;
     }
     return true;
 }
@@ -133,7 +131,7 @@ std::map<std::string, TypeDescriptor> typesOfKind(Classes const& classes,
                                                   std::vector<TypeDescriptor::Kind> const& kinds) {
     std::map<std::string, TypeDescriptor> types;
     for (auto const& entry : classes) {
-        for (auto const& member : entry.second.members) { collect(types, member.type, kinds); }
+        for (auto const& member : entry.second.type.members) { collect(types, member.type, kinds); }
     }
     return types;
 }

@@ -13,12 +13,10 @@ namespace zorv {
 
 /// One class of framed objects: a registered one, or a base whose frame stands inside theirs.
 struct WireClass {
-    std::string name;
-    std::string base;                      ///< serial name of the direct base class; empty where there is none
-    bool registered = false;               ///< whether it is read by itself
-    bool isMessage = false;                ///< whether TMessage is among its bases
-    std::vector<MemberDescriptor> members; ///< its own, without those of its bases
-    Json::Value frame;                     ///< a default object's, as it is written
+    TypeDescriptor type;
+    bool registered = false; ///< whether it is read by itself
+    bool isMessage = false;  ///< whether TMessage is among its bases
+    Json::Value frame;       ///< a default object's, as it is written
 };
 
 /// All classes, by serial name.

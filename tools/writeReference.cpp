@@ -58,7 +58,8 @@ std::string typeCell(TypeDescriptor const& type) {
     case Kind::enumeration:
     case Kind::openSet:
     case Kind::flagSet:
-    case Kind::record: return linkTo(type.name);
+    case Kind::record:
+    case Kind::framed: return linkTo(type.name);
     case Kind::reference: return linkTo(type.name) + " or null";
     case Kind::list: return "list of: " + typeCell(type.elements.at(0));
     case Kind::pairs: return "list of pairs: " + typeCell(type.elements.at(0)) + ", " + typeCell(type.elements.at(1));
@@ -103,7 +104,7 @@ std::string classComment(std::string const& className, std::vector<std::string> 
 }
 
 std::string purpose(WireClass const& wireClass, std::string const& sourceDir) {
-    auto const name = bareName(wireClass.name);
+    auto const name = bareName(wireClass.type.name);
     return classComment(name,
                         {sourceDir + "/zwave/libquillet/" + name + ".h", sourceDir + "/zwave/libquillet/ManageNvmMsg.h",
                          sourceDir + "/platform/libzorvshared/" + name + ".h",
@@ -111,13 +112,13 @@ std::string purpose(WireClass const& wireClass, std::string const& sourceDir) {
 }
 
 void writeClass(std::ostream& os, WireClass const& wireClass, std::string const& sourceDir) {
-    os << "\n### " << wireClass.name << "\n\n" << purpose(wireClass, sourceDir) << '\n';
+    os << "\n### " << wireClass.type.name << "\n\n" << purpose(wireClass, sourceDir) << '\n';
     if (!wireClass.frame.isMember("__bases__")) {
         os << "\nTravels without the frames of its base classes.\n";
-    } else if (!wireClass.base.empty()) {
-        os << "\nBase: " << linkTo(wireClass.base) << ".\n";
+    } else if (!wireClass.type.base.empty()) {
+        os << "\nBase: " << linkTo(wireClass.type.base) << ".\n";
     }
-    writeMembers(os, wireClass.members);
+    writeMembers(os, wireClass.type.members);
 }
 
 void writeEnum(std::ostream& os, TypeDescriptor const& type) {

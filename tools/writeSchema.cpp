@@ -68,7 +68,8 @@ Json::Value typeSchema(TypeDescriptor const& type) {
     case Kind::enumeration:
     case Kind::openSet:
     case Kind::flagSet:
-    case Kind::record: return refTo(type.name);
+    case Kind::record:
+    case Kind::framed: return refTo(type.name);
     case Kind::reference:
         schema["anyOf"].append(ofType("null"));
         schema["anyOf"].append(refTo("any-" + type.name));
@@ -117,7 +118,7 @@ Json::Value recordSchema(TypeDescriptor const& type) {
 
 Json::Value classSchema(WireClass const& wireClass) {
     auto schema = objectSchema();
-    schema["properties"]["__name__"]["const"] = wireClass.name;
+    schema["properties"]["__name__"]["const"] = wireClass.type.name;
     schema["required"].append("__name__");
     if (wireClass.frame.isMember("__bases__")) {
         auto bases = ofType("array");
@@ -129,7 +130,7 @@ Json::Value classSchema(WireClass const& wireClass) {
         schema["properties"]["__bases__"] = bases;
         schema["required"].append("__bases__");
     }
-    addMembers(schema, wireClass.members);
+    addMembers(schema, wireClass.type.members);
     return schema;
 }
 

@@ -2,9 +2,9 @@
 #include "apps/quillet/Command.h"
 #include "apps/quillet/findMessage.h"
 
+#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/Catalogue.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
 #include "zwave/libquillet/support/typeText.h"
 
 #include <CLI/CLI.hpp>
@@ -44,6 +44,7 @@ char const* kindText(Kind kind) {
     case Kind::openSet: return "openSet";
     case Kind::flagSet: return "flagSet";
     case Kind::record: return "record";
+    case Kind::framed: return "framed";
     case Kind::reference: return "reference";
     case Kind::list: return "list";
     case Kind::pairs: return "pairs";
@@ -85,9 +86,9 @@ Json::Value toJson(std::vector<MemberDescriptor> const& members) {
     return json;
 }
 
-std::string toLine(MessageDescriptor const& message) {
+std::string toLine(TypeDescriptor const& message) {
     Json::Value json;
-    json["serialName"] = message.serialName;
+    json["serialName"] = message.name;
     json["base"] = message.base;
     json["members"] = toJson(message.members);
     Json::StreamWriterBuilder builder;
@@ -98,7 +99,7 @@ std::string toLine(MessageDescriptor const& message) {
 
 // ---- as a table
 
-std::string keysOf(MessageDescriptor const& message) {
+std::string keysOf(TypeDescriptor const& message) {
     std::string keys;
     for (auto const& member : message.members) { keys += (keys.empty() ? "" : " ") + member.key; }
     return keys;
@@ -136,9 +137,9 @@ void addEnum(StringVecVec& rows, TypeDescriptor const& type) {
     if (type.kind == Kind::openSet) { displayRow(rows, "", "others", "0x and hex digits"); }
 }
 
-StringVecVec toRows(MessageDescriptor const& message) {
+StringVecVec toRows(TypeDescriptor const& message) {
     StringVecVec rows;
-    displayRow(rows, "Message", message.serialName);
+    displayRow(rows, "Message", message.name);
     displayRow(rows, "Base", message.base);
     if (message.members.empty()) { return rows; }
     rows.emplace_back();
@@ -170,9 +171,9 @@ public:
         StringVecVec rows;
         displayRow(rows, "Message", "Base", "Members");
         std::string lines;
-        for (auto const* const message : describeCatalogue()) {
-            displayRow(rows, message->serialName, message->base, keysOf(*message));
-            lines += (lines.empty() ? "" : "\n") + toLine(*message);
+        for (auto const& message : describeCatalogue()) {
+            displayRow(rows, message.name, message.base, keysOf(message));
+            lines += (lines.empty() ? "" : "\n") + toLine(message);
         }
         output.show(rows, lines);
         return ExitCode::ok;

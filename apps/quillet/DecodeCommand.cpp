@@ -3,9 +3,9 @@
 
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readMessage.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/Catalogue.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
 
 #include <CLI/CLI.hpp>
 #include <json/reader.h>
@@ -51,9 +51,9 @@ StringVecVec membersOf(TMessage const& message) {
     displayRow(rows, message.name() + ':');
     auto const* const confirmable = dynamic_cast<TConfirmable const*>(&message);
     if (confirmable != nullptr) { displayRow(rows, "result_", '"' + toString(confirmable->result()) + '"'); }
-    for (auto const* const descriptor : describeCatalogue()) {
-        if (descriptor->serialName != frame[Serializer::name].asString()) { continue; }
-        for (auto const& member : descriptor->members) { displayRow(rows, member.key, asWritten(frame[member.key])); }
+    for (auto const& type : describeCatalogue()) {
+        if (type.name != frame[Serializer::name].asString()) { continue; }
+        for (auto const& member : type.members) { displayRow(rows, member.key, asWritten(frame[member.key])); }
     }
     return rows;
 }

@@ -5,7 +5,7 @@
 #include "platform/libtransport/Serializable.h"
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 
 #include <CLI/CLI.hpp>
 
@@ -30,7 +30,7 @@ public:
 
     ExitCode run(DaemonAddress const&, Output& output) override {
         Serializer request;
-        request << opencurly << Serializer::name << colon << findMessage(name_).serialName << closecurly;
+        request << opencurly << Serializer::name << colon << findMessage(name_).name << closecurly;
         Serializer example;
         readSerializable(request.str())->serialInserter(example);
         output.show({{example.str()}}, example.str());

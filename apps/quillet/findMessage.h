@@ -5,11 +5,11 @@
 
 namespace zorv {
 
-struct MessageDescriptor;
+struct TypeDescriptor;
 
 /// The message of the catalogue with that name, "PingMsg" or "zorv::PingMsg"; a std::invalid_argument where there is
 /// none.
-MessageDescriptor const& findMessage(std::string const& name);
+TypeDescriptor const& findMessage(std::string const& name);
 
 /// What the command line says to such a name: nothing where it is good.
 std::string complaintAboutMessage(std::string const& name);

@@ -18,7 +18,7 @@ void TConfirmable::serialExtract(Serializer& s) { extractFrame<TMessage>(s, *thi
 boost::shared_ptr<TConfirmable> TConfirmable::clone() const { return boost::make_shared<TConfirmable>(*this); }
 
 TypeDescriptor TConfirmable::describe() {
-    return describeRecord(serialName(), TConfirmable(TResult::none), Wire::members);
+    return describeFrame<TMessage>(serialName(), TConfirmable(TResult::none), Wire::members);
 }
 
 } // namespace zorv

@@ -58,7 +58,7 @@ TypeDescriptor TMessage::describe() {
     TMessage other(blank);
     other.id_ = boost::uuids::nil_uuid();
     other.timestamp_ = TimeStamp();
-    auto type = describeRecord(serialName(), blank, Wire::members);
+    auto type = describeFrame<NoBase>(serialName(), blank, Wire::members);
     auto const others = describeMembers(other, Wire::members);
     for (std::size_t i = 0; i < others.size(); ++i) {
         if (type.members[i].defaultJson != others[i].defaultJson) { type.members[i].defaultJson.clear(); }

@@ -5,9 +5,9 @@
 #include "zwave/libquillet/Catalogue.h"
 
 #include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "tests/unit/golden.h"
 #include "tests/unit/wire.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -138,6 +138,7 @@ std::vector<BadValue> badValues(MemberDescriptor const& member) {
         return bad;
     }
     case Kind::flagSet: return badTypes(key, "string", {1, true, null, emptyArray, emptyObject});
+    case Kind::framed:
     case Kind::record: return badTypes(key, "object", {1, "text", true, null, emptyArray});
     case Kind::reference: return badTypes(key, "object", {1, "text", true, emptyArray});
     case Kind::list:
@@ -224,7 +225,7 @@ TYPED_TEST(CatalogueMessage, IsFramedByItsBaseClassesDownToTMessage) {
 TYPED_TEST(CatalogueMessage, IsRegisteredUnderItsSerialName) {
     EXPECT_THAT(SerialRegistry::names(), Contains(this->serialName()));
     EXPECT_EQ(TypeParam::registrar.serialName(), this->serialName());
-    EXPECT_EQ(TypeParam::descriptor().serialName, this->serialName());
+    EXPECT_EQ(TypeParam::describe().name, this->serialName());
 }
 
 TYPED_TEST(CatalogueMessage, IsNamedAfterItsClass) { EXPECT_EQ(this->sample()->name(), TypeParam::NAME); }
@@ -245,9 +246,17 @@ TYPED_TEST(CatalogueMessage, IsReadIntoAGivenTarget) {
     EXPECT_EQ(wireText(*target), golden(TypeParam::NAME));
 }
 
+template <class Self, class Base> std::string baseOf(MessageOf<Self, Base> const*) { return Base::serialName(); }
+
+TYPED_TEST(CatalogueMessage, DescribesItselfAsAFramedObjectOfItsBase) {
+    auto const type = TypeParam::describe();
+    EXPECT_EQ(type.kind, TypeDescriptor::Kind::framed);
+    EXPECT_EQ(type.base, baseOf(static_cast<TypeParam*>(nullptr)));
+}
+
 TYPED_TEST(CatalogueMessage, HasTheMembersOfItsDescriptor) {
     std::set<std::string> described;
-    for (auto const& member : TypeParam::descriptor().members) {
+    for (auto const& member : TypeParam::describe().members) {
         EXPECT_TRUE(described.insert(member.key).second) << member.key << " is described twice";
     }
     auto const keys = memberKeys(this->sampleJson());
@@ -256,7 +265,7 @@ TYPED_TEST(CatalogueMessage, HasTheMembersOfItsDescriptor) {
 
 TYPED_TEST(CatalogueMessage, HasTheDefaultsOfItsDescriptor) {
     auto const json = toJson(*this->blank());
-    for (auto const& member : TypeParam::descriptor().members) {
+    for (auto const& member : TypeParam::describe().members) {
         EXPECT_EQ(toText(json[member.key]), toText(toJson(member.defaultJson))) << member.key;
     }
 }
@@ -287,7 +296,7 @@ TYPED_TEST(CatalogueMessage, KeepsTheDefaultOfAMemberWhoseKeyIsAbsent) {
 }
 
 TYPED_TEST(CatalogueMessage, RefusesAMemberOfTheWrongType) {
-    for (auto const& member : TypeParam::descriptor().members) {
+    for (auto const& member : TypeParam::describe().members) {
         for (auto const& bad : badValues(member)) {
             auto json = this->sampleJson();
             json[member.key] = bad.value;
@@ -404,9 +413,9 @@ std::ostream& operator<<(std::ostream& os, MemberOfMessage const& it) {
 
 std::vector<MemberOfMessage> membersOf(TypeDescriptor::Kind kind) {
     std::vector<MemberOfMessage> found;
-    for (auto const* const descriptor : describeCatalogue()) {
-        for (auto const& member : descriptor->members) {
-            if (member.type.kind == kind) { found.push_back({descriptor->serialName.substr(6), member}); }
+    for (auto const& message : describeCatalogue()) {
+        for (auto const& member : message.members) {
+            if (member.type.kind == kind) { found.push_back({message.name.substr(6), member}); }
         }
     }
     EXPECT_FALSE(found.empty()) << "no message has such a member";
@@ -442,10 +451,9 @@ TEST(CatalogueMembers, ReferenceReadsNullAsAnEmptyPointer) {
 
 TEST(Catalogue, DescribesEveryMessageOnce) {
     std::set<std::string> names;
-    for (auto const* const descriptor : describeCatalogue()) {
-        ASSERT_NE(descriptor, nullptr);
-        EXPECT_TRUE(names.insert(descriptor->serialName).second) << descriptor->serialName;
-        EXPECT_THAT(descriptor->serialName, StartsWith("zorv::"));
+    for (auto const& message : describeCatalogue()) {
+        EXPECT_TRUE(names.insert(message.name).second) << message.name;
+        EXPECT_THAT(message.name, StartsWith("zorv::"));
     }
     EXPECT_THAT(names, Contains("zorv::PingMsg"));
 }

@@ -3,10 +3,10 @@
 // same classes.
 
 #include "platform/libtransport/SerialRegistrar.h"
+#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "tests/testPaths.h"
 #include "tests/unit/wire.h"
 #include "zwave/libquillet/Catalogue.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ using Names = std::set<std::string>;
 
 Names messages() {
     Names names;
-    for (auto const* const descriptor : describeCatalogue()) { names.insert(descriptor->serialName); }
+    for (auto const& message : describeCatalogue()) { names.insert(message.name); }
     return names;
 }
 
@@ -93,9 +93,9 @@ TEST(CatalogueCompleteness, HasEachRegisteredClassInTheReferenceOnce) {
 
 TEST(CatalogueCompleteness, ListsItsMessagesInAlphabeticalOrder) {
     std::string last;
-    for (auto const* const descriptor : describeCatalogue()) {
-        EXPECT_LT(last, descriptor->serialName);
-        last = descriptor->serialName;
+    for (auto const& message : describeCatalogue()) {
+        EXPECT_LT(last, message.name);
+        last = message.name;
     }
 }
 

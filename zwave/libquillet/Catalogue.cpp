@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libquillet/Catalogue.h"
 
-#include "zwave/libquillet/support/MessageDescriptor.h"
-
 namespace zorv {
 
 namespace {
 
-template <class... Messages> std::vector<MessageDescriptor const*> describe(MessageList<Messages...>) {
-    return {&Messages::descriptor()...};
+template <class... Messages> std::vector<TypeDescriptor> describe(MessageList<Messages...>) {
+    return {Messages::describe()...};
 }
 
 } // namespace
 
-std::vector<MessageDescriptor const*> const& describeCatalogue() {
-    static auto const descriptors = describe(Catalogue());
-    return descriptors;
+std::vector<TypeDescriptor> const& describeCatalogue() {
+    static auto const messages = describe(Catalogue());
+    return messages;
 }
 
 } // namespace zorv

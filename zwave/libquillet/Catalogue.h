@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "zwave/libquillet/AddRemoveNodeMsg.h"
 #include "zwave/libquillet/CliDisplayMsg.h"
 #include "zwave/libquillet/CommandClassMsg.h"
@@ -33,8 +34,6 @@
 #include <vector>
 
 namespace zorv {
-
-struct MessageDescriptor;
 
 template <class... Messages> struct MessageList {};
 
@@ -69,7 +68,7 @@ using Catalogue = MessageList< //
     SystemStatusEvt,           //
     VersionMsg>;
 
-/// The descriptors of the catalogue's messages, in its order.
-QUILLET_EXPORT std::vector<MessageDescriptor const*> const& describeCatalogue();
+/// What the catalogue's messages look like on the wire, in its order.
+QUILLET_EXPORT std::vector<TypeDescriptor> const& describeCatalogue();
 
 } // namespace zorv

@@ -27,7 +27,7 @@ template <class Self, class Base> char const* FramedRecord<Self, Base>::serialNa
 }
 
 template <class Self, class Base> TypeDescriptor FramedRecord<Self, Base>::describe() {
-    return describeRecord(Self::NAME, Self(), Self::Wire::members);
+    return describeFrame<Base>(serialName(), Self(), Self::Wire::members);
 }
 
 } // namespace zorv

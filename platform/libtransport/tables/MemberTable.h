@@ -197,10 +197,19 @@ std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& 
     return descriptors;
 }
 
-/// Describes a record, or a framed object that other objects refer to.
+/// Describes an object that insertRecord writes.
 template <class Self, class Members>
 TypeDescriptor describeRecord(std::string const& name, Self const& blank, Members const& members) {
     TypeDescriptor type{TypeDescriptor::Kind::record, name};
+    type.members = describeMembers(blank, members);
+    return type;
+}
+
+/// Describes an object that insertFrame writes.
+template <class Base, class Self, class Members>
+TypeDescriptor describeFrame(std::string const& serialName, Self const& blank, Members const& members) {
+    TypeDescriptor type{TypeDescriptor::Kind::framed, serialName};
+    if constexpr (!std::is_same_v<Base, NoBase>) { type.base = Base::serialName(); }
     type.members = describeMembers(blank, members);
     return type;
 }

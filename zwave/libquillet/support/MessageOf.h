@@ -12,7 +12,7 @@
 namespace zorv {
 
 class SerialRegistrar;
-struct MessageDescriptor;
+struct TypeDescriptor;
 
 /// Gives confirmable messages their `clone`; the others have none.
 template <class Self, class Base, bool confirmable = std::is_base_of_v<TConfirmable, Base>> class QUILLET_EXPORT CloneOf
@@ -32,7 +32,8 @@ public:
 /// What every message class derives from its member table `Self::Wire::members`, and from its statics `NAME` and
 /// `registrar`.
 ///
-/// MessageOfImpl.h defines the operations; each message's source includes it and instantiates them for its class.
+/// MessageOfImpl.h defines the operations; each message's source includes it and instantiates them for its class. The
+/// message's header declares that (`extern template`), so that no other source tries to.
 template <class Self, class Base> class QUILLET_EXPORT MessageOf : public CloneOf<Self, Base> {
 public:
     using CloneOf<Self, Base>::CloneOf;
@@ -50,7 +51,7 @@ public:
     void print(std::ostream& os) const override;
 
     static char const* serialName() noexcept;
-    static MessageDescriptor const& descriptor();
+    static TypeDescriptor describe();
 
 private:
     Self const& self() const noexcept { return static_cast<Self const&>(*this); }

@@ -5,7 +5,6 @@
 #include "platform/libtransport/tables/MemberTable.h"
 #include "zwave/libquillet/printFromSerial.h"
 #include "zwave/libquillet/support/Containers.h"
-#include "zwave/libquillet/support/MessageDescriptor.h"
 #include "zwave/libquillet/support/MessageOf.h"
 
 #include <boost/make_shared.hpp>
@@ -44,10 +43,8 @@ template <class Self, class Base> char const* MessageOf<Self, Base>::serialName(
     return Self::registrar.serialName().c_str();
 }
 
-template <class Self, class Base> MessageDescriptor const& MessageOf<Self, Base>::descriptor() {
-    static MessageDescriptor const descriptor{serialName(), Base::serialName(),
-                                              describeMembers(Self(), Self::Wire::members)};
-    return descriptor;
+template <class Self, class Base> TypeDescriptor MessageOf<Self, Base>::describe() {
+    return describeFrame<Base>(serialName(), Self(), Self::Wire::members);
 }
 
 } // namespace zorv

@@ -17,7 +17,8 @@ std::string typeText(TypeDescriptor const& type) {
     case Kind::endpoint:
     case Kind::enumeration:
     case Kind::openSet:
-    case Kind::record: return type.name;
+    case Kind::record:
+    case Kind::framed: return type.name;
     case Kind::flagSet: return type.name + " flags";
     case Kind::reference: return type.name + " or null";
     case Kind::list: return "list of " + typeText(type.elements.at(0));
