@@ -56,8 +56,6 @@ struct SampleMsg::Wire {
 
 template class MessageOf<SampleMsg, Confirmable>;
 
-extern template class MessageOf<PingMsg, Confirmable>; // its member table is not seen here
-
 namespace {
 
 using testing::ElementsAre;

@@ -61,4 +61,6 @@ private:
     boost::shared_ptr<Device> device_;
 };
 
+extern template class MessageOf<AddRemoveNodeMsg, Confirmable>;
+
 } // namespace zorv

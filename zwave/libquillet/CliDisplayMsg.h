@@ -58,7 +58,6 @@ private:
     StringVecVec data_;
 };
 
-// Messages that show agents include this header, and do not see the member table.
 extern template class MessageOf<CliDisplayMsg, Confirmable>;
 
 } // namespace zorv

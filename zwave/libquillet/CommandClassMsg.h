@@ -67,4 +67,6 @@ private:
     boost::shared_ptr<GenericCommand> command_;
 };
 
+extern template class MessageOf<CommandClassMsg, TMessage>;
+
 } // namespace zorv

@@ -60,4 +60,6 @@ private:
     boost::shared_ptr<Device> device_;
 };
 
+extern template class MessageOf<ConfigurationMsg, Confirmable>;
+
 } // namespace zorv

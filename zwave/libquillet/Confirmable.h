@@ -26,7 +26,6 @@ private:
     struct Wire;
 };
 
-// Other messages write and read this frame as a part of theirs, and do not see its member table.
 extern template class MessageOf<Confirmable, TConfirmable>;
 
 } // namespace zorv

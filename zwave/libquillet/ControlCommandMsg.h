@@ -44,4 +44,6 @@ private:
     std::vector<unsigned char> data_; // a ControlCommandOp, a ZwApiCommand, then the payload
 };
 
+extern template class MessageOf<ControlCommandMsg, TMessage>;
+
 } // namespace zorv

@@ -106,4 +106,6 @@ private:
     boost::shared_ptr<AgentData> agentData_; // the client's own
 };
 
+extern template class MessageOf<ControllerInfoMsg, Confirmable>;
+
 } // namespace zorv

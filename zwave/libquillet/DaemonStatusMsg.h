@@ -77,4 +77,6 @@ private:
     DaemonDetail::Enum detail_ = DaemonDetail::noDetail;
 };
 
+extern template class MessageOf<DaemonStatusMsg, Confirmable>;
+
 } // namespace zorv

@@ -65,4 +65,6 @@ private:
     WakeStatus::Enum wakeStatus_ = WakeStatus::unknown;
 };
 
+extern template class MessageOf<DeviceStatusMsg, Confirmable>;
+
 } // namespace zorv

@@ -59,4 +59,6 @@ private:
     unsigned int timeout_ = DEFAULT_TIMEOUT; // in the daemon's unit
 };
 
+extern template class MessageOf<FirmwareUpdateMsg, Confirmable>;
+
 } // namespace zorv

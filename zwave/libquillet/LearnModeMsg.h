@@ -42,4 +42,6 @@ private:
     unsigned int timeout_ = DEFAULT_TIMEOUT; // in the unit of the daemon, which runs the operation
 };
 
+extern template class MessageOf<LearnModeMsg, Confirmable>;
+
 } // namespace zorv

@@ -145,4 +145,6 @@ private:
     BlobVec blobs_;
 };
 
+extern template class MessageOf<ManageNvmMsg, Confirmable>;
+
 } // namespace zorv

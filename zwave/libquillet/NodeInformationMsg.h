@@ -87,4 +87,6 @@ private:
     AgentDataMap agentData_; // the client's own
 };
 
+extern template class MessageOf<NodeInformationMsg, Confirmable>;
+
 } // namespace zorv

@@ -38,4 +38,6 @@ private:
     NvmOp::Enum op_ = NvmOp::none;
 };
 
+extern template class MessageOf<NvmOpEvt, TMessage>;
+
 } // namespace zorv

@@ -40,4 +40,6 @@ private:
     boost::shared_ptr<TMessage> message_;
 };
 
+extern template class MessageOf<ObserveMsg, Confirmable>;
+
 } // namespace zorv

@@ -40,4 +40,6 @@ private:
     unsigned int latencyMs_ = 0; // round trip, milliseconds
 };
 
+extern template class MessageOf<PingMsg, Confirmable>;
+
 } // namespace zorv

@@ -17,4 +17,6 @@ private:
     struct Wire;
 };
 
+extern template class MessageOf<QuitMsg, TMessage>;
+
 } // namespace zorv

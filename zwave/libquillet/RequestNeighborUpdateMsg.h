@@ -43,4 +43,6 @@ private:
     unsigned int timeout_ = DEFAULT_TIMEOUT; // in the unit of the daemon, which runs the update
 };
 
+extern template class MessageOf<RequestNeighborUpdateMsg, Confirmable>;
+
 } // namespace zorv

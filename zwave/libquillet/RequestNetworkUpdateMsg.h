@@ -40,4 +40,6 @@ private:
     int timeout_ = 0; // signed, and not DEFAULT_TIMEOUT, unlike in the neighbour update
 };
 
+extern template class MessageOf<RequestNetworkUpdateMsg, Confirmable>;
+
 } // namespace zorv

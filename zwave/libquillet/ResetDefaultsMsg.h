@@ -34,4 +34,6 @@ private:
     unsigned int timeout_ = DEFAULT_TIMEOUT; // in the unit of the daemon, which runs the reset
 };
 
+extern template class MessageOf<ResetDefaultsMsg, Confirmable>;
+
 } // namespace zorv

@@ -78,4 +78,6 @@ private:
     bool groupResponse_ = false;
 };
 
+extern template class MessageOf<SendCommandMsg, Confirmable>;
+
 } // namespace zorv

@@ -32,4 +32,6 @@ private:
     TransmitOption::Enum options_{};
 };
 
+extern template class MessageOf<SendNifMsg, Confirmable>;
+
 } // namespace zorv

@@ -48,4 +48,6 @@ private:
     unsigned int percentComplete_ = 0; // carried as given, also above 100
 };
 
+extern template class MessageOf<SerialManagerEvt, TMessage>;
+
 } // namespace zorv

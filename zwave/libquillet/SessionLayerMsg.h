@@ -66,4 +66,6 @@ private:
     SessionLayerStatus::Enum status_ = SessionLayerStatus::unknown;
 };
 
+extern template class MessageOf<SessionLayerMsg, Confirmable>;
+
 } // namespace zorv

@@ -39,4 +39,6 @@ private:
     SocketActor::Enum actor_ = SocketActor::none;
 };
 
+extern template class MessageOf<SocketStatusMsg, TMessage>;
+
 } // namespace zorv

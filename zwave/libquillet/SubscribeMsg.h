@@ -37,4 +37,6 @@ private:
     std::vector<std::string> events_;
 };
 
+extern template class MessageOf<SubscribeMsg, Confirmable>;
+
 } // namespace zorv

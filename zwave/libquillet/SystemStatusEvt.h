@@ -30,4 +30,6 @@ private:
     SystemStatus::Enum status_ = SystemStatus::unknown;
 };
 
+extern template class MessageOf<SystemStatusEvt, Confirmable>;
+
 } // namespace zorv

@@ -36,4 +36,6 @@ private:
     std::string protocolVersion_;
 };
 
+extern template class MessageOf<VersionMsg, Confirmable>;
+
 } // namespace zorv

@@ -13,7 +13,8 @@ struct TypeDescriptor;
 /// `NAME` and `registrar`.
 ///
 /// Such a record travels as a framed object, since a reference does not tell its class. FramedRecordImpl.h defines the
-/// operations; each record's source includes it and instantiates them for its class.
+/// operations; each record's source includes it and instantiates them for its class. The record's header declares that
+/// (`extern template`), so that no other source tries to.
 template <class Self, class Base = Serializable> class ZORV_EXPORT FramedRecord : public Base {
 public:
     FramedRecord() : Base(1) {}
