@@ -56,14 +56,14 @@ template <class Enum, class Numbers> class Enumerators {
 
     static constexpr auto makeRows() {
         constexpr auto count = measure().rows;
-        std::array<EnumRow, count> rows = {};
+        std::array<EnumRow, count> made = {};
         std::size_t row = 0;
         std::size_t offset = 0;
         forEach([&](int number, std::string_view identifier) {
-            rows[row++] = {number, identifiers_.view().substr(offset, identifier.size())};
+            made[row++] = {number, identifiers_.view().substr(offset, identifier.size())};
             offset += identifier.size();
         });
-        return rows;
+        return made;
     }
 
 public:
