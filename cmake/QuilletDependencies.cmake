@@ -1,16 +1,25 @@
 # SPDX-License-Identifier: Apache-2.0
-# What is found on the system. Nothing is downloaded. The versions are the oldest that are supported.
+# What is found on the system. Nothing is downloaded.
 
-find_package(Boost 1.72 REQUIRED COMPONENTS filesystem)
-find_package(jsoncpp 1.9 REQUIRED)
-find_package(log4cplus 2.0 REQUIRED)
-find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)
+# The oldest versions that are supported: here, and for the reader in docs/dependencies.md, which a test compares.
+set(quillet_least_Boost 1.72)
+set(quillet_least_JsonCpp 1.9)
+set(quillet_least_log4cplus 2.0)
+set(quillet_least_OpenSSL 3.0)
+set(quillet_least_CLI11 2.1)
+set(quillet_least_GoogleTest 1.12)
+set(quillet_least_Benchmark 1.7)
+
+find_package(Boost ${quillet_least_Boost} REQUIRED COMPONENTS filesystem)
+find_package(jsoncpp ${quillet_least_JsonCpp} REQUIRED)
+find_package(log4cplus ${quillet_least_log4cplus} REQUIRED)
+find_package(OpenSSL ${quillet_least_OpenSSL} REQUIRED COMPONENTS Crypto)
 find_package(Threads REQUIRED)
 
 if(QUILLET_BUILD_PROGRAMS)
-    find_package(CLI11 2.1 REQUIRED)
+    find_package(CLI11 ${quillet_least_CLI11} REQUIRED)
 endif()
 
 if(QUILLET_BUILD_TESTS)
-    find_package(GTest 1.12 REQUIRED)
+    find_package(GTest ${quillet_least_GoogleTest} REQUIRED)
 endif()
