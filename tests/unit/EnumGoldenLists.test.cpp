@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every enumeration against a list of its numbers and texts that is written by hand: tests/golden/enums. The tables take
-// their texts from the identifiers, so that only these lists notice when one is renamed: peers, modules and nodes would.
+// Every enumeration against the list of its numbers and texts in tests/golden/enums. The tables take their texts from the
+// identifiers, so that only these lists notice when one is renamed or gets another number: peers, modules and nodes would.
+// The lists began as a copy of the declarations. They show that nothing changes by accident, not that it was right.
 
 #include "platform/libtransport/MessageRole.h"
 #include "platform/libtransport/Priority.h"
