@@ -13,4 +13,12 @@ inline std::string hexDigits(unsigned int value, unsigned int digits) {
     return text;
 }
 
+/// All hex digits of `value`, but at least as many as `least`.
+inline std::string hexDigitsFrom(unsigned int value, unsigned int least) {
+    constexpr unsigned int most = 2 * sizeof value;
+    auto digits = least;
+    while (digits < most && value >> (4U * digits) != 0) { ++digits; }
+    return hexDigits(value, digits);
+}
+
 } // namespace zorv

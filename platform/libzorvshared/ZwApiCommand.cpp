@@ -5,6 +5,7 @@
 
 namespace zorv::ZwApiCommand {
 
-ZORV_ENUM_DEFINE(enumTable<Enum>().open(2))
+// A function of a later module may have a number beyond a byte.
+ZORV_ENUM_DEFINE(enumTable<Enum>().open(2, 8))
 
 } // namespace zorv::ZwApiCommand

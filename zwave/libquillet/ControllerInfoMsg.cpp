@@ -2,7 +2,7 @@
 #include "zwave/libquillet/ControllerInfoMsg.h"
 
 #include "platform/libtransport/format16Bits.h"
-#include "platform/libtransport/format8Bits.h"
+#include "platform/libtransport/hexDigits.h"
 #include "platform/libtransport/tables/EnumTable.h"
 #include "platform/libzorvshared/KernelX.h"
 #include "transport/displayRow.h"
@@ -155,7 +155,7 @@ void ControllerInfoMsg::displayController(StringVecVec& rows) const {
 void ControllerInfoMsg::displayCommands(StringVecVec& rows) const {
     displayRow(rows, "Supported Commands:");
     for (auto const command : serialCapabilities_.commands()) {
-        displayRow(rows, command, format8Bits(static_cast<unsigned char>(command), true));
+        displayRow(rows, command, "0x" + hexDigitsFrom(static_cast<unsigned int>(command), 2));
     }
 }
 

@@ -69,10 +69,8 @@ bool EnumTexts::append(std::string& out, int value) const {
     }
     auto const number = static_cast<unsigned int>(value);
     if (!fits(number, digits_)) { return false; }
-    auto digits = digits_.least;
-    while (digits < 8 && number >> (4U * digits) != 0) { ++digits; }
     out += hexPrefix;
-    out += hexDigits(number, digits);
+    out += hexDigitsFrom(number, digits_.least);
     return true;
 }
 

@@ -55,7 +55,8 @@ struct BitMask {
 
     bool contains(unsigned int number) const noexcept {
         auto const bit = number - 1;
-        return number > 0 && bit / 8 < bytes.size() && ((bytes[bit / 8] >> (bit % 8)) & 1U) != 0;
+        return number > 0 && bit / 8 < bytes.size() &&
+               (static_cast<unsigned int>(bytes[bit / 8]) >> (bit % 8) & 1U) != 0;
     }
     void insert(unsigned int number) {
         auto const bit = number - 1;
