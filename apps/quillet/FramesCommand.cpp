@@ -22,7 +22,15 @@ namespace zorv {
 
 namespace {
 
-using namespace serialapi;
+using serialapi::Byte;
+using serialapi::Bytes;
+using serialapi::FieldValue;
+using serialapi::FieldValues;
+using serialapi::FormKind;
+using serialapi::Frame;
+using serialapi::FrameDissector;
+namespace control = serialapi::control;
+using serialapi::Side;
 
 /// What one side said on one line of a recording.
 struct RecordedLine {

@@ -31,8 +31,8 @@ public:
     enum class Kind { data, badChecksum, ack, nak, can };
 
     struct Item {
-        Kind kind;
-        Frame frame; ///< of `data`
+        Kind kind = Kind::data;
+        Frame frame = {}; ///< of `data`
     };
 
     explicit FrameReader(FrameTiming timing = FrameTiming::host()) noexcept : timing_(timing) {}

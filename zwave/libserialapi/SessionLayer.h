@@ -49,7 +49,7 @@ struct SessionEvent {
         resetNeeded ///< the module does not get on with us and needs a reset
     };
 
-    Kind kind;
+    Kind kind = Kind::frame;
     std::uint32_t exchange = 0; ///< what send() gave
     Frame frame = {};
     SessionFailure failure = SessionFailure::none;

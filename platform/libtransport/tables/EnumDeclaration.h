@@ -16,6 +16,7 @@ struct TypeDescriptor;
 ///
 /// `operator<<`, `toString` and `appendText` write a value's text, `operator>>` reads one word, `toEnum` and `parse` take
 /// the first word of a text. A number or a word that the enumeration does not have raises InvalidEnumError.
+// NOLINTBEGIN(bugprone-macro-parentheses): an attribute cannot stand in parentheses
 #define ZORV_ENUM_DECLARE(EXPORT)                                                                                      \
     EXPORT std::ostream& operator<<(std::ostream& os, Enum value);                                                     \
     EXPORT std::istream& operator>>(std::istream& is, Enum& value);                                                    \
@@ -24,6 +25,7 @@ struct TypeDescriptor;
     EXPORT void appendText(std::string& out, Enum value);                                                              \
     EXPORT void parse(std::string_view text, Enum& value);                                                             \
     EXPORT ::zorv::TypeDescriptor describe(Enum);
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// Declares `toHex`: the two hex digits of the value's low byte.
 #define ZORV_ENUM_DECLARE_HEX(EXPORT) EXPORT std::string toHex(Enum value);

@@ -32,8 +32,8 @@ struct FormDescriptor {
 };
 
 struct FunctionDescriptor {
-    Byte id;
-    char const* name;
+    Byte id = 0;
+    char const* name = "";
     std::optional<FormDescriptor> request;
     std::optional<FormDescriptor> response;
     std::optional<FormDescriptor> callback;
