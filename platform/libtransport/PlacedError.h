@@ -13,11 +13,12 @@ public:
     /// The way from the root to the bad value, such as "devices_[2]"; empty for the root, and where it is not known.
     virtual std::string const& place() const noexcept = 0;
 
+    virtual ~PlacedError();
+
 protected:
     PlacedError() = default;
     PlacedError(PlacedError const&) = default;
     PlacedError& operator=(PlacedError const&) = default;
-    virtual ~PlacedError();
 };
 
 } // namespace zorv

@@ -132,7 +132,7 @@ TEST(ZwApiCommand, WritesAFunctionWithoutANameAsTwoHexDigits) {
 }
 
 TEST(ZwApiCommand, WritesANumberBeyondAByteWithAsManyDigitsAsItNeeds) {
-    expectPairs<ZwApiCommand::Enum>({{0x100, "0x100"}, {0x1234, "0x1234"}, {0x7FFFFFFF, "0x7fffffff"}});
+    expectPairs<ZwApiCommand::Enum>({{0x100, "0x100"}, {0x1234, "0x1234"}, {0x7FFFFFFE, "0x7ffffffe"}});
 }
 
 TEST(ZwApiCommand, RefusesWhatIsNoNumber) {

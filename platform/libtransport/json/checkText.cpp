@@ -32,7 +32,7 @@ using scan::skipBlanks;
 
 /// A key of an object, without its escapes.
 struct Key {
-    char const* at; // its first quote
+    char const* at = nullptr; // its first quote
     std::string_view text;
 };
 
@@ -43,6 +43,7 @@ constexpr std::size_t fewKeys = 16;
 // there is a next character.
 class TextCheck {
 public:
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): firstKeys_ is written at each depth before it is read there
     explicit TextCheck(std::string const& text) : text_(text), end_(text.data() + text.size()) {
         // A usual text has an object or an array every forty bytes; one reservation is enough for it.
         shape_.extents.reserve(text.size() / 16 + 16);

@@ -154,7 +154,8 @@ template <class Codec> struct Optional {
     template <class T> static bool read(ParameterReader& in, std::optional<T>& value) {
         value.reset();
         if (in.left() < Codec::bytes) { return true; }
-        return Codec::read(in, value.emplace());
+        value = T{};
+        return Codec::read(in, *value);
     }
     template <class T> static void write(ParameterWriter& out, std::optional<T> const& value) {
         if (value) { Codec::write(out, *value); }
