@@ -13,6 +13,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace zorv {
 
@@ -28,21 +29,26 @@ log4cplus::LogLevel toLog4cplus(LogLevel level) {
     return log4cplus::ERROR_LOG_LEVEL;
 }
 
+/// A console whose setting up has not come to its end; whoever logs next goes on with it. It cannot be destroyed: an
+/// appender's destructor logs, and ends the process where no memory is left for that.
+NonBlockingConsole* unfinished = nullptr;
+
 class Log {
 public:
     Log() {
         auto root = log4cplus::Logger::getRoot();
         if (!root.getAllAppenders().empty()) { return; }
-        console_ = new NonBlockingConsole(STDERR_FILENO);
-        // An appender's destructor logs, and ends the process where no memory is left for that. A console that cannot be
-        // set up is therefore never destroyed: only success takes this reference back.
-        console_->addReference();
+        if (unfinished == nullptr) {
+            unfinished = new NonBlockingConsole(STDERR_FILENO);
+            unfinished->addReference();
+        }
+        console_ = unfinished;
         console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%d{%Y-%m-%dT%H:%M:%S.%qZ} %p %m%n")); // UTC
         consoleThreshold(LogLevel::warn);
         root.addAppender(console_);
         // log4cplus starts four threads for asynchronous appenders as it is loaded. Here is none: it keeps one of them.
         log4cplus::setThreadPoolSize(0);
-        console_->removeReference();
+        std::exchange(unfinished, nullptr)->removeReference();
     }
 
     // The console's code goes with this library; log4cplus may stay.
