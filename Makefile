@@ -4,7 +4,7 @@
 PRESET ?= dev
 
 .DEFAULT_GOAL := help
-.PHONY: help setup build run test check format clean
+.PHONY: help setup build run test check format bench clean
 
 help: ## show this list
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-8s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
@@ -32,6 +32,9 @@ check: ## check layout, scripts and sources without running them
 format: ## lay out the C++ files
 	@scripts/setup check
 	@scripts/format
+
+bench: ## measure, and write docs/performance.md
+	@scripts/bench
 
 clean: ## remove what was built
 	@rm -rf build
