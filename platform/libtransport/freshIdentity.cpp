@@ -65,7 +65,7 @@ boost::uuids::uuid freshIdentity() {
         generator.generation = generation;
     }
     std::array<std::mt19937_64::result_type, 2> const bits{generator.engine(), generator.engine()};
-    boost::uuids::uuid identity;
+    boost::uuids::uuid identity{};
     static_assert(sizeof bits == sizeof identity.data);
     std::memcpy(identity.data, bits.data(), sizeof bits);
     identity.data[6] = static_cast<unsigned char>((identity.data[6] & 0x0fU) | 0x40U); // version 4: random
