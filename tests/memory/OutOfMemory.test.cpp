@@ -4,9 +4,9 @@
 
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
-#include "tests/unit/LogCapture.h"
-#include "tests/unit/TemporaryDirectory.h"
-#include "tests/unit/inChildProcess.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TemporaryDirectory.h"
+#include "tests/support/inChildProcess.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gmock/gmock.h>

@@ -72,14 +72,14 @@ private:
 
 /// The daemon's answer to the ping in a line.
 std::string answerTo(std::string const& line, ZResult::Enum result) {
-    return wireText(*PingMsg::create(readBack<PingMsg>(line), result, 0));
+    return toText(*PingMsg::create(readBack<PingMsg>(line), result, 0));
 }
 
 /// An answer to the request in a line that is of no message class of its own.
 std::string confirmationOf(std::string const& line, ZResult::Enum result) {
     Confirmable confirmation(result);
     confirmation.setResponse(*readBack<PingMsg>(line));
-    return wireText(confirmation);
+    return toText(confirmation);
 }
 
 int exitCode(unsigned short port, std::vector<std::string> const& arguments) {

@@ -23,7 +23,7 @@ inline Json::Value toJson(std::string const& text) {
     return value;
 }
 
-inline Json::Value toJson(Serializable const& object) { return toJson(wireText(object)); }
+inline Json::Value toJson(Serializable const& object) { return toJson(toText(object)); }
 
 /// Keys come in ascending order.
 inline std::string toText(Json::Value const& value) {

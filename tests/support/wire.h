@@ -4,6 +4,7 @@
 #include "platform/libtransport/Serializable.h"
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
+#include "platform/libtransport/toText.h"
 
 #include <boost/shared_ptr.hpp>
 #include <gtest/gtest.h>
@@ -13,19 +14,12 @@
 
 namespace zorv {
 
-/// The text that an object writes.
-inline std::string wireText(Serializable const& object) {
-    Serializer s;
-    object.serialInserter(s);
-    return s.str();
-}
-
 /// What a message writes behind the frame of its direct base `Base`: its own members, each after a comma, and the brace.
 template <class Base, class Message> std::string ownMembers(Message const& message) {
     Serializer base;
     message.Base::serialInserter(base);
     auto const frame = "{\"__name__\":\"zorv::" + Message::NAME + "\",\"__bases__\":[" + base.str() + "]";
-    auto const text = wireText(message);
+    auto const text = toText(message);
     EXPECT_EQ(text.substr(0, frame.size()), frame);
     return text.size() < frame.size() ? text : text.substr(frame.size());
 }

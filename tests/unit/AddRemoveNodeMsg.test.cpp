@@ -58,7 +58,7 @@ TEST(AddRemoveNodeMsg, ResponseRepeatsOperationAndAbortButNotThePrimaryFlagOrThe
     auto const response = AddRemoveNodeMsg::create(request, ZResult::success, 90, device);
     EXPECT_EQ(response->result(), ZResult::success);
     EXPECT_EQ(ownMembers<Confirmable>(*response),
-              R"(,"operation_":"add","abort_":false,"primary_":false,"timeout_":90,"device_":)" + wireText(*device) +
+              R"(,"operation_":"add","abort_":false,"primary_":false,"timeout_":90,"device_":)" + toText(*device) +
                   "}");
 }
 
@@ -111,9 +111,9 @@ TEST(AddRemoveNodeMsg, RefusesAnOperationInOtherLetterCase) {
 
 TEST(AddRemoveNodeMsg, KeepsEveryMemberOnTheWireWithoutADevice) {
     AddRemoveNodeMsg const message(AddRemoveOp::remove, true, true, ZResult::timeout, 2147483647, nullptr);
-    auto const rebuilt = readBack<AddRemoveNodeMsg>(wireText(message));
+    auto const rebuilt = readBack<AddRemoveNodeMsg>(toText(message));
     EXPECT_FALSE(rebuilt->device());
-    EXPECT_EQ(wireText(*rebuilt), wireText(message));
+    EXPECT_EQ(toText(*rebuilt), toText(message));
 }
 
 TEST(AddRemoveNodeMsg, HasNoDeviceWhenTheTextHoldsAnObjectOfAnotherClass) {

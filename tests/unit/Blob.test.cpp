@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/SerializerError.h"
-#include "tests/unit/LogCapture.h"
-#include "tests/unit/errorText.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/golden.h"
+#include "tests/support/wire.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <gmock/gmock.h>
@@ -136,11 +136,11 @@ TEST(Blob, IsReadFromItsGoldenTextAndWrittenBackTheSame) {
     EXPECT_EQ(blob->crc(), 4065733082U);
     EXPECT_EQ(blob->contents(), "AQIDBA==");
     EXPECT_TRUE(blob->checkCrc());
-    EXPECT_EQ(wireText(*blob), golden("Blob"));
+    EXPECT_EQ(toText(*blob), golden("Blob"));
 }
 
 TEST(Blob, WritesItsFrameAroundTheBaseAndItsMembersInOrder) {
-    EXPECT_EQ(wireText(Blob("a", 1, 2, 3, "b")),
+    EXPECT_EQ(toText(Blob("a", 1, 2, 3, "b")),
               R"({"__name__":"zorv::Blob","__bases__":[{"__name__":"zorv::Serializable","__bases__":[],"version_":1}],)"
               R"("name_":"a","offset_":1,"size_":2,"crc_":3,"contents_":"b"})");
 }
@@ -156,12 +156,12 @@ TEST(Blob, IsReadWithAnyChecksumAndFoundCorruptOnlyWhenChecked) {
 TEST(Blob, KeepsAtItsDefaultWhateverItsTextLacks) {
     auto const blob = readBlank<Blob>();
     ASSERT_TRUE(blob);
-    EXPECT_EQ(wireText(*blob), wireText(Blob("", 0)));
+    EXPECT_EQ(toText(*blob), toText(Blob("", 0)));
 }
 
 TEST(Blob, HoldsTheLargestNumbers) {
     Blob const blob("a", 4294967295U, 4294967294U, 4294967293U, "");
-    auto const again = readBack<Blob>(wireText(blob));
+    auto const again = readBack<Blob>(toText(blob));
     ASSERT_TRUE(again);
     EXPECT_EQ(again->offset(), 4294967295U);
     EXPECT_EQ(again->size(), 4294967294U);
@@ -169,14 +169,14 @@ TEST(Blob, HoldsTheLargestNumbers) {
 }
 
 TEST(Blob, CannotBeReadFromMembersOfTheWrongType) {
-    auto const refusal = [](std::string const& member) {
-        return errorText<SerializerError>([&] { readBack<Blob>(R"({"__name__":"zorv::Blob",)" + member + "}"); });
+    auto const errorOfMember = [](std::string const& member) {
+        return errorOf([&] { readBack<Blob>(R"({"__name__":"zorv::Blob",)" + member + "}"); });
     };
-    EXPECT_EQ(refusal(R"("name_":1)"), "name_: expected string, got int");
-    EXPECT_EQ(refusal(R"("offset_":"1")"), "offset_: expected unsigned int, got string");
-    EXPECT_EQ(refusal(R"("size_":-1)"), "size_: expected unsigned int, got -1");
-    EXPECT_EQ(refusal(R"("crc_":4294967296)"), "crc_: expected unsigned int, got 4294967296");
-    EXPECT_EQ(refusal(R"("contents_":null)"), "contents_: expected string, got null");
+    EXPECT_EQ(errorOfMember(R"("name_":1)"), "SerializerError: name_: expected string, got int");
+    EXPECT_EQ(errorOfMember(R"("offset_":"1")"), "SerializerError: offset_: expected unsigned int, got string");
+    EXPECT_EQ(errorOfMember(R"("size_":-1)"), "SerializerError: size_: expected unsigned int, got -1");
+    EXPECT_EQ(errorOfMember(R"("crc_":4294967296)"), "SerializerError: crc_: expected unsigned int, got 4294967296");
+    EXPECT_EQ(errorOfMember(R"("contents_":null)"), "SerializerError: contents_: expected string, got null");
 }
 
 TEST(Blob, FactoryFillsTheGivenObject) {

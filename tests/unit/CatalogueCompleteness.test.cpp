@@ -4,8 +4,9 @@
 
 #include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/json.h"
 #include "tests/testPaths.h"
-#include "tests/unit/wire.h"
 #include "zwave/libquillet/Catalogue.h"
 
 #include <gtest/gtest.h>

@@ -19,13 +19,13 @@ TEST(CliDisplayMsg, IsEmptyByDefault) {
 
 TEST(CliDisplayMsg, WritesAnEmptyTableAsAnEmptyArrayAndReadsItBack) {
     EXPECT_EQ(ownMembers<Confirmable>(CliDisplayMsg()), R"(,"data_":[]})");
-    EXPECT_TRUE(readBack<CliDisplayMsg>(wireText(CliDisplayMsg()))->data().empty());
+    EXPECT_TRUE(readBack<CliDisplayMsg>(toText(CliDisplayMsg()))->data().empty());
 }
 
 TEST(CliDisplayMsg, KeepsTheLengthOfEveryRow) {
     CliDisplayMsg const message(table);
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"data_":[["Node","Room"],["5"],[],["","","x"]]})");
-    EXPECT_EQ(readBack<CliDisplayMsg>(wireText(message))->data(), table);
+    EXPECT_EQ(readBack<CliDisplayMsg>(toText(message))->data(), table);
 }
 
 TEST(CliDisplayMsg, ReadsTheCellsOfItsGoldenText) {

@@ -3,8 +3,8 @@
 
 #include "platform/libtransport/TResult.h"
 #include "platform/libtransport/TimeStamp.h"
-#include "tests/unit/LogCapture.h"
-#include "tests/unit/errorText.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/errorOf.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -53,8 +53,8 @@ TEST(CliViewer, AColumnThatNoRowCanHaveIsRefused) {
     auto const longest = Row().max_size();
     for (auto const column : {longest, std::numeric_limits<std::size_t>::max()}) {
         StringVecVec rows{{"a"}};
-        EXPECT_EQ(errorText<std::out_of_range>([&] { CliViewer::accumulateDisplayValue(rows, column, "cell"); }),
-                  "accumulateDisplayValue: no row has a column " + std::to_string(column));
+        EXPECT_EQ(errorOf([&] { CliViewer::accumulateDisplayValue(rows, column, "cell"); }),
+                  "std::out_of_range: accumulateDisplayValue: no row has a column " + std::to_string(column));
         EXPECT_THAT(rows, ElementsAre(Row{"a"}));
     }
 }
@@ -195,8 +195,9 @@ TEST(CliViewer, AWidthGrowsTheWidthsWithZeros) {
 
 TEST(CliViewer, AWidthOfAColumnThatNoTableCanHaveIsRefused) {
     Viewer const viewer;
-    EXPECT_EQ(errorText<std::out_of_range>([&] { viewer.width(std::numeric_limits<std::size_t>::max(), 1); }),
-              "width: no row has a column " + std::to_string(std::numeric_limits<std::size_t>::max()));
+    EXPECT_EQ(errorOf([&] { viewer.width(std::numeric_limits<std::size_t>::max(), 1); }),
+              "std::out_of_range: width: no row has a column " +
+                  std::to_string(std::numeric_limits<std::size_t>::max()));
     EXPECT_THAT(viewer.widths(), IsEmpty());
 }
 

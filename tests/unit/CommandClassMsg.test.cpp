@@ -176,14 +176,14 @@ TEST(CommandClassMsg, ReadsEveryMemberOfItsGoldenText) {
 }
 
 TEST(CommandClassMsg, WritesStatusZeroAsNoneAndSinglecastAndReadsItBack) {
-    auto const text = wireText(message({0x20}));
+    auto const text = toText(message({0x20}));
     EXPECT_NE(text.find(R"("rxStatus_":"none|singlecast")"), std::string::npos);
     EXPECT_EQ(static_cast<int>(readBack<CommandClassMsg>(text)->rxStatus()), 0);
 }
 
 TEST(CommandClassMsg, RefusesToWriteAStatusWithAnUnknownBit) {
     auto const invalid = message({0x20}, 0x20);
-    EXPECT_EQ(errorOf([&] { wireText(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
+    EXPECT_EQ(errorOf([&] { toText(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
     EXPECT_EQ(errorOf([&] { shown(invalid); }), "InvalidEnumError: invalid ReceivedStatus value 32");
     std::ostringstream os;
     EXPECT_EQ(errorOf([&] { invalid.print(os); }), "InvalidEnumError: invalid ReceivedStatus value 32");

@@ -54,7 +54,7 @@ TEST(ConfigurationMsg, MadeByTheConstructorKeepsTheDefaultRole) {
 TEST(ConfigurationMsg, WritesAnEmptyDeviceAsNullAndReadsItBack) {
     ConfigurationMsg const message;
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"operation_":"unknown","device_":null})");
-    EXPECT_FALSE(readBack<ConfigurationMsg>(wireText(message))->device());
+    EXPECT_FALSE(readBack<ConfigurationMsg>(toText(message))->device());
 }
 
 TEST(ConfigurationMsg, HasNoDeviceWhenTheTextHoldsAnObjectOfAnotherClass) {
@@ -72,7 +72,7 @@ TEST(ConfigurationMsg, SharesItsDeviceWithItsCopies) {
 TEST(ConfigurationMsg, ReadsADeviceThatCanShareItself) {
     auto const device = boost::make_shared<Device>();
     ConfigurationMsg const message(ConfigurationStatus::idle, device, ZResult::none);
-    auto const back = readBack<ConfigurationMsg>(wireText(message));
+    auto const back = readBack<ConfigurationMsg>(toText(message));
     EXPECT_EQ(back->device()->shared_from_this(), back->device());
 }
 

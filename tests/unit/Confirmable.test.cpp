@@ -73,7 +73,7 @@ std::string errorOfSample(std::string const& members) { return errorOfReading(sa
 
 /// What a sample writes of its own members.
 std::string ownText(SampleMsg const& sample) {
-    auto const text = wireText(sample);
+    auto const text = toText(sample);
     return text.substr(text.find("\"flag_\""));
 }
 
@@ -86,7 +86,7 @@ TEST(Members, AnEmptyPointerIsWrittenAsNullAndReadBackEmpty) {
     EXPECT_EQ(ownText(SampleMsg()), emptySample);
     SampleMsg sample;
     sample.ping_ = PingMsg::create(node5);
-    Serializer s(wireText(SampleMsg()));
+    Serializer s(toText(SampleMsg()));
     sample.serialExtract(s);
     EXPECT_EQ(sample.ping_, nullptr);
 }
@@ -94,9 +94,9 @@ TEST(Members, AnEmptyPointerIsWrittenAsNullAndReadBackEmpty) {
 TEST(Members, ASetPointerIsWrittenAsAFramedObjectAndReadBack) {
     SampleMsg sample;
     sample.ping_ = readBack<PingMsg>(golden("PingMsg"));
-    EXPECT_THAT(wireText(sample), EndsWith("\"ping_\":" + golden("PingMsg") + "}"));
-    auto const copy = readSerializable(wireText(sample));
-    EXPECT_EQ(wireText(*copy), wireText(sample));
+    EXPECT_THAT(toText(sample), EndsWith("\"ping_\":" + golden("PingMsg") + "}"));
+    auto const copy = readSerializable(toText(sample));
+    EXPECT_EQ(toText(*copy), toText(sample));
 }
 
 TEST(Members, AnObjectOfAnotherClassLeavesThePointerEmptyWithoutError) {
@@ -133,7 +133,7 @@ TEST(Members, ABadMemberOfAReferenceIsNamedByItsPath) {
 TEST(Members, AnEmptyVectorIsWrittenAsAnEmptyArrayAndReadBackEmpty) {
     SampleMsg sample;
     sample.texts_ = {"a", "b"};
-    Serializer s(wireText(SampleMsg()));
+    Serializer s(toText(SampleMsg()));
     sample.serialExtract(s);
     EXPECT_THAT(sample.texts_, IsEmpty());
 }
@@ -194,16 +194,16 @@ TEST(Members, AMapIsAnArrayOfPairs) {
 TEST(Members, AMapWithASetValueRoundTrips) {
     SampleMsg sample;
     sample.pingOfNode_[node5] = readBack<PingMsg>(golden("PingMsg"));
-    auto const text = wireText(sample);
+    auto const text = toText(sample);
     EXPECT_NE(text.find(R"("pingOfNode_":[[{"homeId_":3237998081,"nodeId_":5},)" + golden("PingMsg") + "]]"),
               std::string::npos);
-    EXPECT_EQ(wireText(*readSerializable(text)), text);
+    EXPECT_EQ(toText(*readSerializable(text)), text);
 }
 
 TEST(Members, AMapOfManyEntriesRoundTrips) {
     SampleMsg sample;
     for (unsigned char node = 1; node <= 232; ++node) { sample.pingOfNode_[ZwaveAddress(7, node)]; }
-    auto const copy = readBack<SampleMsg>(wireText(sample));
+    auto const copy = readBack<SampleMsg>(toText(sample));
     EXPECT_EQ(copy->pingOfNode_.size(), 232U);
     EXPECT_EQ(copy->pingOfNode_.count(ZwaveAddress(7, 232)), 1U);
 }
@@ -258,7 +258,7 @@ TEST(Confirmable, SerializesToExactlyTheNameAndTheBases) {
     Confirmable const confirmable;
     Serializer base;
     confirmable.TConfirmable::serialInserter(base);
-    EXPECT_EQ(wireText(confirmable), R"({"__name__":"zorv::Confirmable","__bases__":[)" + base.str() + "]}");
+    EXPECT_EQ(toText(confirmable), R"({"__name__":"zorv::Confirmable","__bases__":[)" + base.str() + "]}");
 }
 
 TEST(Confirmable, HasResultZeroByDefault) {

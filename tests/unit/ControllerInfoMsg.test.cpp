@@ -169,8 +169,8 @@ TEST(ControllerInfoMsg, RequestHasModuleType255AndAnEmptyDeviceInfo) {
     auto const request = ControllerInfoMsg::create(ControllerInfoOption::all);
     EXPECT_EQ(request->displayOptions(), ControllerInfoOption::all);
     EXPECT_EQ(static_cast<int>(request->moduleType()), 255);
-    EXPECT_EQ(wireText(request->deviceInfo()), wireText(DeviceInfo()));
-    EXPECT_EQ(wireText(request->serialCapabilities()), wireText(SerialCapabilities()));
+    EXPECT_EQ(toText(request->deviceInfo()), toText(DeviceInfo()));
+    EXPECT_EQ(toText(request->serialCapabilities()), toText(SerialCapabilities()));
     EXPECT_EQ(request->fwVersion(), "");
     EXPECT_EQ(request->nodeCount(), 0U);
     EXPECT_EQ(request->uptime(), 0.0);
@@ -186,8 +186,8 @@ TEST(ControllerInfoMsg, TakesItsFifteenMembersInTheOrderOfTheirDeclaration) {
     EXPECT_EQ(message.sucNodeId(), 0xFE);
     EXPECT_EQ(message.controllerCapabilities(), capabilities);
     EXPECT_EQ(message.controllerRole(), ControllerRole::sis);
-    EXPECT_EQ(wireText(message.serialCapabilities()), wireText(serialCapabilities()));
-    EXPECT_EQ(wireText(message.deviceInfo()), wireText(deviceInfo())); // no manufacturer is imposed
+    EXPECT_EQ(toText(message.serialCapabilities()), toText(serialCapabilities()));
+    EXPECT_EQ(toText(message.deviceInfo()), toText(deviceInfo())); // no manufacturer is imposed
     EXPECT_EQ(message.nodeCount(), 232U);
     EXPECT_EQ(message.remoteQueueSize(), 11U);
     EXPECT_EQ(message.jobsQueueSize(), 12U);
@@ -286,7 +286,7 @@ TEST(ControllerInfoMsg, NamesThePathToANumberOutOfRange) {
 TEST(ControllerInfoMsg, DoesNotSendItsAgent) {
     auto message = info(ControllerInfoOption::capabilities);
     message.agentData(AgentData::create(1, "u", "r", "d", "v"));
-    auto const rebuilt = readBack<ControllerInfoMsg>(wireText(message));
+    auto const rebuilt = readBack<ControllerInfoMsg>(toText(message));
     EXPECT_FALSE(rebuilt->agentData());
     EXPECT_EQ(shown(*rebuilt).back()[0], "Up time:");
 }

@@ -31,7 +31,7 @@ std::string readError(std::string const& from, std::string const& to) {
 
 TEST(Device, WritesItsGoldenTextAfterReadingIt) {
     auto const device = readBack<Device>(golden("Device"));
-    EXPECT_EQ(wireText(*device), golden("Device"));
+    EXPECT_EQ(toText(*device), golden("Device"));
 }
 
 TEST(Device, ReadsEveryMemberOfItsGoldenText) {
@@ -62,7 +62,7 @@ TEST(Device, ReadsEveryMemberOfItsGoldenText) {
 
 TEST(Device, IsEmptyByDefault) {
     EXPECT_EQ(
-        wireText(Device()),
+        toText(Device()),
         R"({"__name__":"zorv::Device","__bases__":[{"__name__":"zorv::Serializable","__bases__":[],"version_":1}],"address_":{"homeId_":0,"nodeId_":0},)"
         R"("deviceInfo_":{"manufacturer_":{"manufacturerId_":"unknown","productType_":0,"productId_":0},)"
         R"("protocolInfo_":{"capability_":"none|version0","security_":"none","basicDeviceType_":"unknown",)"
@@ -71,7 +71,7 @@ TEST(Device, IsEmptyByDefault) {
         R"("securityStatus_":"unknown","wakeStatus_":"unknown","commandClasses_":[],"configErrors_":0})");
 }
 
-TEST(Device, KeepsTheDefaultOfEveryAbsentMember) { EXPECT_EQ(wireText(*readBlank<Device>()), wireText(Device())); }
+TEST(Device, KeepsTheDefaultOfEveryAbsentMember) { EXPECT_EQ(toText(*readBlank<Device>()), toText(Device())); }
 
 TEST(Device, WritesItsCommandClassesInTheOrderOfTheirNumbers) {
     Device device;

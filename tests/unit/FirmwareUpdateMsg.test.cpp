@@ -97,7 +97,7 @@ TEST(FirmwareUpdateMsg, WritesItsMembersInOrder) {
 
 TEST(FirmwareUpdateMsg, RefusesToWriteAStatusAboveComplete) {
     auto const message = FirmwareUpdateMsg::create(Status::Enum(4), 0);
-    EXPECT_EQ(errorOf([&] { wireText(*message); }), "InvalidEnumError: invalid FirmwareUpdateStatus value 4");
+    EXPECT_EQ(errorOf([&] { toText(*message); }), "InvalidEnumError: invalid FirmwareUpdateStatus value 4");
 }
 
 TEST(FirmwareUpdateMsg, RefusesAnUnknownStatus) {

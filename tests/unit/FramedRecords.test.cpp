@@ -37,7 +37,7 @@ TYPED_TEST(FramedRecords, ReadAndWriteTheirGoldenText) {
     auto const text = golden(TypeParam::NAME);
     auto const record = readSerializable(text);
     ASSERT_NE(dynamic_cast<TypeParam const*>(record.get()), nullptr);
-    EXPECT_EQ(wireText(*record), text);
+    EXPECT_EQ(toText(*record), text);
 }
 
 TYPED_TEST(FramedRecords, HaveNoMemberAtItsDefaultInTheirGoldenText) {

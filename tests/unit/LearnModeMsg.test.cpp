@@ -18,7 +18,7 @@ TEST(LearnModeMsg, RequestWritesTheDefaultTimeoutAndStatusZero) {
 
 TEST(LearnModeMsg, DefaultSurvivesTheWireWithTimeout180000) {
     LearnModeMsg const message;
-    auto const back = readBack<LearnModeMsg>(wireText(message));
+    auto const back = readBack<LearnModeMsg>(toText(message));
     EXPECT_EQ(back->timeout(), 180000U);
     EXPECT_EQ(back->mode(), 0);
     EXPECT_EQ(back->status(), 0);

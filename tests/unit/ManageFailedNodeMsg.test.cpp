@@ -70,7 +70,7 @@ TEST(ManageFailedNodeMsg, DefaultHasResult2AndTimeout180AndSurvivesTheWire) {
     EXPECT_EQ(message.result(), 2);
     EXPECT_EQ(ownMembers<Confirmable>(message),
               R"(,"operation_":"invalid","address_":{"homeId_":0,"nodeId_":0},"status_":"invalid","timeout_":180})");
-    EXPECT_EQ(wireText(*readBack<ManageFailedNodeMsg>(wireText(message))), wireText(message));
+    EXPECT_EQ(toText(*readBack<ManageFailedNodeMsg>(toText(message))), toText(message));
 }
 
 TEST(ManageFailedNodeMsg, ReaderStartsFromResult2) { EXPECT_EQ(readBlank<ManageFailedNodeMsg>()->result(), 2); }

@@ -48,8 +48,8 @@ TEST(MutatedText, IsRefusedOrReadAsAUsableMessage) {
             continue;
         }
         ++read;
-        auto const once = wireText(*object);
-        ASSERT_EQ(wireText(*readSerializable(once)), once) << text;
+        auto const once = toText(*object);
+        ASSERT_EQ(toText(*readSerializable(once)), once) << text;
         if (auto const* const message = dynamic_cast<TMessage const*>(object.get())) { use(*message); }
     }
     // A damage that never leaves a message, or never breaks one, would test nothing.

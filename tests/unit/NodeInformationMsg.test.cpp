@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libquillet/NodeInformationMsg.h"
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
-#include "tests/unit/golden.h"
-#include "tests/unit/ownMembers.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
+#include "tests/support/golden.h"
+#include "tests/support/json.h"
+#include "tests/support/wire.h"
 
 #include "platform/libtransport/throwInvalidEnum.h"
 #include "zwave/libquillet/PingMsg.h"
@@ -67,18 +68,17 @@ std::vector<DisplayOption::Enum> const allOptions{DisplayOption::none,       Dis
 
 TEST(GetNodesOp, HasItsFourTexts) {
     expectTexts<GetNodesOp::Enum>({"undefined", "get", "set", "update"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<GetNodesOp::Enum>(4)); }),
-              "invalid GetNodesOp value 4");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { GetNodesOp::toEnum("invalid"); }),
-              "invalid GetNodesOp text \"invalid\"");
+    EXPECT_EQ(errorOf([] { toString(static_cast<GetNodesOp::Enum>(4)); }),
+              "InvalidEnumError: invalid GetNodesOp value 4");
+    EXPECT_EQ(errorOf([] { GetNodesOp::toEnum("invalid"); }), "InvalidEnumError: invalid GetNodesOp text \"invalid\"");
 }
 
 TEST(DisplayOption, HasItsSixTexts) {
     expectTexts<DisplayOption::Enum>({"none", "all", "info", "status", "cmdClasses", "cmdClassDetail"});
-    EXPECT_EQ(errorText<InvalidEnumError>([] { toString(static_cast<DisplayOption::Enum>(6)); }),
-              "invalid DisplayOption value 6");
-    EXPECT_EQ(errorText<InvalidEnumError>([] { DisplayOption::toEnum("cmdclasses"); }),
-              "invalid DisplayOption text \"cmdclasses\"");
+    EXPECT_EQ(errorOf([] { toString(static_cast<DisplayOption::Enum>(6)); }),
+              "InvalidEnumError: invalid DisplayOption value 6");
+    EXPECT_EQ(errorOf([] { DisplayOption::toEnum("cmdclasses"); }),
+              "InvalidEnumError: invalid DisplayOption text \"cmdclasses\"");
 }
 
 // ---- forms
@@ -132,13 +132,12 @@ TEST(NodeInformationMsg, TheAnswerToItsOwnClassKeepsTheDisplayOption) {
 }
 
 TEST(NodeInformationMsg, NothingAnswersAnEmptyRequest) {
-    EXPECT_EQ(
-        errorText<NullPointerError>([] { NodeInformationMsg::create(boost::shared_ptr<TMessage>(), DeviceMap()); }),
-        "msg is null");
-    EXPECT_EQ(errorText<NullPointerError>([] {
+    EXPECT_EQ(errorOf([] { NodeInformationMsg::create(boost::shared_ptr<TMessage>(), DeviceMap()); }),
+              "NullPointerError: msg is null");
+    EXPECT_EQ(errorOf([] {
                   NodeInformationMsg::create(boost::shared_ptr<NodeInformationMsg>(), GetNodesOp::set, DeviceMap());
               }),
-              "msg is null");
+              "NullPointerError: msg is null");
 }
 
 TEST(NodeInformationMsg, AnUpdateHoldsOneDeviceAndAnswersNothing) {
@@ -152,8 +151,8 @@ TEST(NodeInformationMsg, AnUpdateHoldsOneDeviceAndAnswersNothing) {
 }
 
 TEST(NodeInformationMsg, NoUpdateIsMadeOfAnEmptyDevice) {
-    EXPECT_EQ(errorText<NullPointerError>([] { NodeInformationMsg::create(boost::shared_ptr<Device>()); }),
-              "device is null");
+    EXPECT_EQ(errorOf([] { NodeInformationMsg::create(boost::shared_ptr<Device>()); }),
+              "NullPointerError: device is null");
 }
 
 // ---- copies
@@ -219,7 +218,7 @@ TEST(NodeInformationMsg, WritesAnEntryWithoutADeviceAsNullAndReadsItBack) {
     NodeInformationMsg const message(GetNodesOp::set, DisplayOption::none, {{ZwaveAddress(homeId, 5), nullptr}});
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"operation_":"set","displayOptions_":"none",)"
                                                 R"("devices_":[[{"homeId_":3237998081,"nodeId_":5},null]]})");
-    auto const rebuilt = readBack<NodeInformationMsg>(wireText(message));
+    auto const rebuilt = readBack<NodeInformationMsg>(toText(message));
     ASSERT_TRUE(rebuilt);
     EXPECT_EQ(rebuilt->devices(), message.devices());
 }
@@ -249,11 +248,11 @@ TEST(NodeInformationMsg, WritesItsDevicesInTheOrderOfItsMap) {
 
 TEST(NodeInformationMsg, ReproducesEveryDeviceOfANetwork) {
     NodeInformationMsg const message(GetNodesOp::set, DisplayOption::none, network());
-    auto const rebuilt = readBack<NodeInformationMsg>(wireText(message));
+    auto const rebuilt = readBack<NodeInformationMsg>(toText(message));
     ASSERT_TRUE(rebuilt);
     ASSERT_EQ(rebuilt->devices().size(), 3U);
     for (auto const& entry : message.devices()) {
-        EXPECT_EQ(wireText(*rebuilt->devices().at(entry.first)), wireText(*entry.second));
+        EXPECT_EQ(toText(*rebuilt->devices().at(entry.first)), toText(*entry.second));
     }
 }
 
@@ -278,22 +277,22 @@ TEST(NodeInformationMsg, KeepsTheDevicesThatItHasWhenItIsReadInto) {
 }
 
 TEST(NodeInformationMsg, RefusesDevicesThatAreNoArray) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","devices_":{}})"),
-              (Refusal{"SyntaxError", "expected array, got object"}));
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","devices_":null})"),
-              (Refusal{"SyntaxError", "expected array, got null"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::NodeInformationMsg","devices_":{}})"),
+              "SyntaxError: expected array, got object");
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::NodeInformationMsg","devices_":null})"),
+              "SyntaxError: expected array, got null");
 }
 
 TEST(NodeInformationMsg, RefusesAnEntryThatIsNoArray) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","devices_":[5]})"),
-              (Refusal{"SyntaxError", "expected array, got int"}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::NodeInformationMsg","devices_":[5]})"),
+              "SyntaxError: expected array, got int");
 }
 
 TEST(NodeInformationMsg, RefusesWordsThatItDoesNotKnow) {
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","operation_":"fetch"})"),
-              (Refusal{"InvalidEnumError", "operation_: invalid GetNodesOp text \"fetch\""}));
-    EXPECT_EQ(refusalOfText(R"({"__name__":"zorv::NodeInformationMsg","displayOptions_":"some"})"),
-              (Refusal{"InvalidEnumError", "displayOptions_: invalid DisplayOption text \"some\""}));
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::NodeInformationMsg","operation_":"fetch"})"),
+              "InvalidEnumError: operation_: invalid GetNodesOp text \"fetch\"");
+    EXPECT_EQ(errorOfReading(R"({"__name__":"zorv::NodeInformationMsg","displayOptions_":"some"})"),
+              "InvalidEnumError: displayOptions_: invalid DisplayOption text \"some\"");
 }
 
 // ---- as a table

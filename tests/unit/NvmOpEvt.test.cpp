@@ -41,7 +41,7 @@ TEST(NvmOpEvt, WritesOperation2AsSave) {
 
 TEST(NvmOpEvt, RefusesToWriteOperation4) {
     NvmOpEvt const event(NvmOp::Enum(4));
-    EXPECT_EQ(errorOf([&] { wireText(event); }), "InvalidEnumError: invalid NvmOp value 4");
+    EXPECT_EQ(errorOf([&] { toText(event); }), "InvalidEnumError: invalid NvmOp value 4");
 }
 
 TEST(NvmOpEvt, TakesCorrelationAndSourceFromItsCause) {
@@ -69,7 +69,7 @@ TEST(NvmOpEvt, PrintsItsWireText) {
     NvmOpEvt const event(NvmOp::save);
     std::ostringstream os;
     event.print(os);
-    EXPECT_EQ(os.str(), wireText(event));
+    EXPECT_EQ(os.str(), toText(event));
 }
 
 } // namespace

@@ -26,25 +26,25 @@ boost::shared_ptr<ObserveMsg> observed(boost::shared_ptr<TMessage> const& messag
 std::string nested(int depth) {
     boost::shared_ptr<TMessage> message = boost::make_shared<PingMsg>();
     for (int i = 0; i < depth; ++i) { message = observed(message); }
-    return wireText(*message);
+    return toText(*message);
 }
 
 TEST(ObserveMsg, WritesTheWholeFramedPingMsgAndReadsItBack) {
     auto const ping = boost::make_shared<PingMsg>(ZwaveAddress(0xC0FFEE01U, 5));
     auto const message = observed(ping);
     EXPECT_EQ(ownMembers<Confirmable>(*message),
-              R"(,"action_":"none","direction_":"received","message_":)" + wireText(*ping) + "}");
+              R"(,"action_":"none","direction_":"received","message_":)" + toText(*ping) + "}");
 
-    auto const back = readBack<ObserveMsg>(wireText(*message));
+    auto const back = readBack<ObserveMsg>(toText(*message));
     auto const pingBack = boost::dynamic_pointer_cast<PingMsg>(back->message());
     ASSERT_TRUE(pingBack);
-    EXPECT_EQ(wireText(*pingBack), wireText(*ping));
+    EXPECT_EQ(toText(*pingBack), toText(*ping));
 }
 
 TEST(ObserveMsg, CarriesAnEventAndAMessageWithoutBases) {
-    auto const quit = readBack<ObserveMsg>(wireText(*observed(boost::make_shared<QuitMsg>())));
+    auto const quit = readBack<ObserveMsg>(toText(*observed(boost::make_shared<QuitMsg>())));
     EXPECT_TRUE(boost::dynamic_pointer_cast<QuitMsg>(quit->message()));
-    auto const version = readBack<ObserveMsg>(wireText(*observed(VersionMsg::create("2.1"))));
+    auto const version = readBack<ObserveMsg>(toText(*observed(VersionMsg::create("2.1"))));
     auto const inner = boost::dynamic_pointer_cast<VersionMsg>(version->message());
     ASSERT_TRUE(inner);
     EXPECT_EQ(inner->protocolVersion(), "2.1");
@@ -53,7 +53,7 @@ TEST(ObserveMsg, CarriesAnEventAndAMessageWithoutBases) {
 TEST(ObserveMsg, WritesAnEmptyMessageAsNullAndReadsItBack) {
     ObserveMsg const message(ObserveAction::stop, ObserveDirection::sent);
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"action_":"stop","direction_":"sent","message_":null})");
-    EXPECT_FALSE(readBack<ObserveMsg>(wireText(message))->message());
+    EXPECT_FALSE(readBack<ObserveMsg>(toText(message))->message());
 }
 
 TEST(ObserveMsg, HasNoMessageWhenTheTextHoldsAnObjectThatIsNotAMessage) {

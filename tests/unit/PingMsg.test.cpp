@@ -49,7 +49,7 @@ TEST(PingMsg, KeepsDestinationAndLatencyOnTheWireButNotCountTimeAndHeader) {
     ping->count(7);
     ping->time(noon);
 
-    auto const rebuilt = readBack<PingMsg>(wireText(*ping));
+    auto const rebuilt = readBack<PingMsg>(toText(*ping));
     EXPECT_EQ(rebuilt->destination(), node5);
     EXPECT_EQ(rebuilt->latencyMs(), 250U);
     EXPECT_THAT(shown(*rebuilt), ElementsAre(Row{"0", "1970-01-01T00:00:00.000Z", "c0ffee01:5", "success", "250"}));

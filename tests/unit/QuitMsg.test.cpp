@@ -9,7 +9,7 @@ namespace {
 TEST(QuitMsg, WritesItsNameAndTheFrameOfTMessageAndNothingElse) {
     QuitMsg const message;
     EXPECT_EQ(ownMembers<TMessage>(message), "}");
-    EXPECT_EQ(wireText(message).find(R"({"__name__":"zorv::QuitMsg","__bases__":[{"__name__":"zorv::TMessage",)"), 0U);
+    EXPECT_EQ(toText(message).find(R"({"__name__":"zorv::QuitMsg","__bases__":[{"__name__":"zorv::TMessage",)"), 0U);
 }
 
 } // namespace

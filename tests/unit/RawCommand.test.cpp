@@ -12,7 +12,7 @@ namespace {
 
 TEST(RawCommand, WritesItsGoldenTextAfterReadingIt) {
     auto const command = readBack<RawCommand>(golden("RawCommand"));
-    EXPECT_EQ(wireText(*command), golden("RawCommand"));
+    EXPECT_EQ(toText(*command), golden("RawCommand"));
 }
 
 TEST(RawCommand, IsAGenericCommandThatGivesTheBytesAsTheyAre) {
@@ -21,10 +21,9 @@ TEST(RawCommand, IsAGenericCommandThatGivesTheBytesAsTheyAre) {
 }
 
 TEST(RawCommand, MayBeEmpty) {
-    EXPECT_EQ(wireText(RawCommand()),
-              R"({"__name__":"zorv::RawCommand","__bases__":[{"__name__":"zorv::GenericCommand",)"
-              R"("__bases__":[{"__name__":"zorv::Serializable","__bases__":[],"version_":1}]}],)"
-              R"("data_":[]})");
+    EXPECT_EQ(toText(RawCommand()), R"({"__name__":"zorv::RawCommand","__bases__":[{"__name__":"zorv::GenericCommand",)"
+                                    R"("__bases__":[{"__name__":"zorv::Serializable","__bases__":[],"version_":1}]}],)"
+                                    R"("data_":[]})");
     EXPECT_TRUE(readBlank<RawCommand>()->bytes().empty());
 }
 

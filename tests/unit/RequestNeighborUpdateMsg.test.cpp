@@ -15,7 +15,7 @@ TEST(RequestNeighborUpdateMsg, RequestWritesResult1AndTimeout180) {
     auto const request = RequestNeighborUpdateMsg::create(node5);
     EXPECT_EQ(ownMembers<Confirmable>(*request),
               R"(,"address_":{"homeId_":3237998081,"nodeId_":5},"status_":"none","timeout_":180})");
-    EXPECT_NE(wireText(*request).find(R"("result_":"success")"), std::string::npos);
+    EXPECT_NE(toText(*request).find(R"("result_":"success")"), std::string::npos);
     EXPECT_EQ(request->result(), 1);
 }
 

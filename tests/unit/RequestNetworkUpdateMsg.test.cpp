@@ -31,7 +31,7 @@ TEST(RequestNetworkUpdateMsg, WritesATimeoutAbove2147483647AsANegativeNumber) {
     RequestNetworkUpdateMsg const message(ZResult::none, RequestNetworkUpdateStatus::done, 2147483648U);
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"status_":"done","timeout_":-2147483648})");
     auto const made = RequestNetworkUpdateMsg::create(ZResult::none, RequestNetworkUpdateStatus::done, 4294967295U);
-    EXPECT_EQ(readBack<RequestNetworkUpdateMsg>(wireText(*made))->timeout(), -1);
+    EXPECT_EQ(readBack<RequestNetworkUpdateMsg>(toText(*made))->timeout(), -1);
 }
 
 TEST(RequestNetworkUpdateMsg, KeepsATimeoutOf2147483647) {

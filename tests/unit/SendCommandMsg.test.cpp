@@ -199,8 +199,8 @@ TEST(SendCommandMsg, ResponseIsNullWhenTheCloneIsOfAnotherClass) {
 
 TEST(SendCommandMsg, KeepsAnEmptyCommandEmpty) {
     auto const message = SendCommandMsg::create(nodes({5}), nullptr, TransmitOption::ack, false, false, false);
-    EXPECT_NE(wireText(*message).find(R"("command_":null)"), std::string::npos);
-    EXPECT_FALSE(readBack<SendCommandMsg>(wireText(*message))->command());
+    EXPECT_NE(toText(*message).find(R"("command_":null)"), std::string::npos);
+    EXPECT_FALSE(readBack<SendCommandMsg>(toText(*message))->command());
 }
 
 TEST(SendCommandMsg, HasNoCommandWhenTheTextHoldsAnObjectOfAnotherClass) {

@@ -12,7 +12,7 @@ namespace {
 TEST(SerialManagerEvt, WritesItsStateBehindTheFrameOfTMessage) {
     SerialManagerEvt const event(SerialManagerStatus::sessionLayerRestart, 0);
     EXPECT_EQ(ownMembers<TMessage>(event), R"(,"status_":"sessionLayerRestart","percentComplete_":0})");
-    auto const text = wireText(event);
+    auto const text = toText(event);
     EXPECT_NE(text.find(R"("__bases__":[{"__name__":"zorv::TMessage",)"), std::string::npos);
     EXPECT_EQ(text.find("zorv::Confirmable"), std::string::npos);
 }
@@ -33,7 +33,7 @@ TEST(SerialManagerEvt, HasSixStates) {
 TEST(SerialManagerEvt, CarriesMoreThanAHundredPercent) {
     SerialManagerEvt const event(SerialManagerStatus::bootloaderRunning, 4294967295U);
     EXPECT_EQ(ownMembers<TMessage>(event), R"(,"status_":"bootloaderRunning","percentComplete_":4294967295})");
-    auto const back = readBack<SerialManagerEvt>(wireText(event));
+    auto const back = readBack<SerialManagerEvt>(toText(event));
     EXPECT_EQ(back->percentComplete(), 4294967295U);
 }
 

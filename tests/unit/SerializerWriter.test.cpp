@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/Serializer.h"
 
-#include "tests/unit/wire.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/json.h"
 
 #include <gtest/gtest.h>
 
@@ -103,8 +104,7 @@ TEST(SerializerWriter, RefusesNumbersThatAreNotFiniteAndWritesNothing) {
     for (double const value : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity()}) {
         Serializer s;
         s << openbracket;
-        EXPECT_EQ(refusalOf([&] { s << value; }),
-                  (Refusal{"SerializerError", "cannot write a number that is not finite"}));
+        EXPECT_EQ(errorOf([&] { s << value; }), "SerializerError: cannot write a number that is not finite");
         EXPECT_EQ(s.str(), "[");
     }
 }
@@ -140,7 +140,7 @@ TEST(SerializerWriter, ABrokenTextIsRefusedAndLeavesNothingHalfWritten) {
           "\xF0\x80\x80\x80", "\xF4\x90\x80\x80", "\xF5", "\xFE", "\xFF", "good \n\xFF", "\xC3\xBC\xC3"}) {
         Serializer s;
         s << openbracket;
-        EXPECT_EQ(refusalOf([&] { s << text; }), (Refusal{"SerializerError", "cannot write a text that is not UTF-8"}));
+        EXPECT_EQ(errorOf([&] { s << text; }), "SerializerError: cannot write a text that is not UTF-8");
         EXPECT_EQ(s.str(), "[");
         s << "next" << closebracket;
         EXPECT_EQ(s.str(), R"(["next"])");

@@ -32,7 +32,7 @@ TEST(SessionLayerMsg, MadeFromNothingHasNoRole) {
 }
 
 TEST(SessionLayerMsg, RefusesTheOperationTextInvalid) {
-    auto text = wireText(SessionLayerMsg());
+    auto text = toText(SessionLayerMsg());
     auto const value = text.find(R"("op_":"status")");
     ASSERT_NE(value, std::string::npos);
     text.replace(value, 14, R"("op_":"invalid")");

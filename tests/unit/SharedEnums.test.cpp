@@ -2,8 +2,8 @@
 // The shared enumerations against their tables, written down a second time: numbers and texts are what peers, modules
 // and nodes exchange, so neither may change with the code.
 
-#include "tests/unit/errorText.h"
-#include "tests/unit/expectTexts.h"
+#include "tests/support/errorOf.h"
+#include "tests/support/expectTexts.h"
 
 #include "platform/libtransport/throwInvalidEnum.h"
 #include "platform/libzorvshared/BasicDeviceType.h"
@@ -51,11 +51,11 @@ template <class Enum> void expectPairs(std::vector<std::pair<int, std::string>> 
 }
 
 template <class Enum> std::string writeError(int number) {
-    return errorText<InvalidEnumError>([&] { toString(static_cast<Enum>(number)); });
+    return errorOf([&] { toString(static_cast<Enum>(number)); });
 }
 
 template <class Enum> std::string readError(std::string const& text) {
-    return errorText<InvalidEnumError>([&] {
+    return errorOf([&] {
         Enum value{};
         parse(text, value);
     });
@@ -86,10 +86,11 @@ TEST(TransmitOption, WritesTheDefaultOptionsAsTheirThreeTexts) {
 }
 
 TEST(TransmitOption, RefusesBitsAndTextsThatItDoesNotKnow) {
-    EXPECT_EQ(writeError<TransmitOption::Enum>(0x09), "invalid TransmitOption value 9");
-    EXPECT_EQ(writeError<TransmitOption::Enum>(0x40), "invalid TransmitOption value 64");
-    EXPECT_EQ(readError<TransmitOption::Enum>("explore|ack"), "invalid TransmitOption text \"explore|ack\"");
-    EXPECT_EQ(readError<TransmitOption::Enum>("Ack"), "invalid TransmitOption text \"Ack\"");
+    EXPECT_EQ(writeError<TransmitOption::Enum>(0x09), "InvalidEnumError: invalid TransmitOption value 9");
+    EXPECT_EQ(writeError<TransmitOption::Enum>(0x40), "InvalidEnumError: invalid TransmitOption value 64");
+    EXPECT_EQ(readError<TransmitOption::Enum>("explore|ack"),
+              "InvalidEnumError: invalid TransmitOption text \"explore|ack\"");
+    EXPECT_EQ(readError<TransmitOption::Enum>("Ack"), "InvalidEnumError: invalid TransmitOption text \"Ack\"");
 }
 
 TEST(ZwApiCommand, HasTheFunctionIdsOfTheSerialInterface) {
@@ -136,8 +137,9 @@ TEST(ZwApiCommand, WritesANumberBeyondAByteWithAsManyDigitsAsItNeeds) {
 }
 
 TEST(ZwApiCommand, RefusesWhatIsNoNumber) {
-    EXPECT_EQ(readError<ZwApiCommand::Enum>("0x123456789"), "invalid ZwApiCommand text \"0x123456789\"");
-    EXPECT_EQ(readError<ZwApiCommand::Enum>("0xg0"), "invalid ZwApiCommand text \"0xg0\"");
+    EXPECT_EQ(readError<ZwApiCommand::Enum>("0x123456789"),
+              "InvalidEnumError: invalid ZwApiCommand text \"0x123456789\"");
+    EXPECT_EQ(readError<ZwApiCommand::Enum>("0xg0"), "InvalidEnumError: invalid ZwApiCommand text \"0xg0\"");
 }
 
 TEST(CommandClassType, HasThePublicCommandClassIds) {
@@ -176,14 +178,15 @@ TEST(CommandClassType, HasThePublicCommandClassIds) {
 TEST(CommandClassType, WritesAClassWithoutANameAsTwoHexDigits) {
     expectPairs<CommandClassType::Enum>({{0x01, "0x01"}, {0x7F, "0x7f"}, {0xFF, "0xff"}});
     expectOpenBelow<CommandClassType::Enum>(0x100);
-    EXPECT_EQ(writeError<CommandClassType::Enum>(256), "invalid CommandClassType value 256");
+    EXPECT_EQ(writeError<CommandClassType::Enum>(256), "InvalidEnumError: invalid CommandClassType value 256");
 }
 
 TEST(CommandClassAttribs, IsASetOfThreeFlags) {
     expectPairs<CommandClassAttribs::Enum>(
         {{0, "none"}, {1, "supported"}, {2, "controlled"}, {4, "secure"}, {7, "supported|controlled|secure"}});
-    EXPECT_EQ(writeError<CommandClassAttribs::Enum>(8), "invalid CommandClassAttribs value 8");
-    EXPECT_EQ(readError<CommandClassAttribs::Enum>("secret"), "invalid CommandClassAttribs text \"secret\"");
+    EXPECT_EQ(writeError<CommandClassAttribs::Enum>(8), "InvalidEnumError: invalid CommandClassAttribs value 8");
+    EXPECT_EQ(readError<CommandClassAttribs::Enum>("secret"),
+              "InvalidEnumError: invalid CommandClassAttribs text \"secret\"");
 }
 
 TEST(ManufacturerId, NamesNoMakerButOurselves) {
@@ -193,14 +196,14 @@ TEST(ManufacturerId, NamesNoMakerButOurselves) {
 }
 
 TEST(ManufacturerId, RefusesWhatHasMoreThanSixteenBits) {
-    EXPECT_EQ(writeError<ManufacturerId::Enum>(65536), "invalid ManufacturerId value 65536");
-    EXPECT_EQ(readError<ManufacturerId::Enum>("acme"), "invalid ManufacturerId text \"acme\"");
+    EXPECT_EQ(writeError<ManufacturerId::Enum>(65536), "InvalidEnumError: invalid ManufacturerId value 65536");
+    EXPECT_EQ(readError<ManufacturerId::Enum>("acme"), "InvalidEnumError: invalid ManufacturerId text \"acme\"");
 }
 
 TEST(BasicDeviceType, IsAnOpenSet) {
     expectTexts<BasicDeviceType::Enum>({"unknown", "controller", "staticController", "slave", "routingSlave", "0x05"});
     expectOpenBelow<BasicDeviceType::Enum>(0x100);
-    EXPECT_EQ(readError<BasicDeviceType::Enum>("Slave"), "invalid BasicDeviceType text \"Slave\"");
+    EXPECT_EQ(readError<BasicDeviceType::Enum>("Slave"), "InvalidEnumError: invalid BasicDeviceType text \"Slave\"");
 }
 
 TEST(GenericDeviceType, IsAnOpenSet) {
@@ -220,13 +223,13 @@ TEST(GenericDeviceType, IsAnOpenSet) {
                                           {0xFF, "nonInteroperable"},
                                           {0x0A, "0x0a"}});
     expectOpenBelow<GenericDeviceType::Enum>(0x100);
-    EXPECT_EQ(writeError<GenericDeviceType::Enum>(256), "invalid GenericDeviceType value 256");
+    EXPECT_EQ(writeError<GenericDeviceType::Enum>(256), "InvalidEnumError: invalid GenericDeviceType value 256");
 }
 
 TEST(SpecificDeviceType, HasAMeaningOfItsOwnOnlyForZero) {
     expectPairs<SpecificDeviceType::Enum>({{0, "notUsed"}, {1, "0x01"}, {255, "0xff"}});
     expectOpenBelow<SpecificDeviceType::Enum>(0x100);
-    EXPECT_EQ(writeError<SpecificDeviceType::Enum>(256), "invalid SpecificDeviceType value 256");
+    EXPECT_EQ(writeError<SpecificDeviceType::Enum>(256), "InvalidEnumError: invalid SpecificDeviceType value 256");
 }
 
 TEST(Capability, WritesTheFlagsOfTheByteAndThenItsProtocolVersion) {
@@ -240,14 +243,15 @@ TEST(Capability, WritesTheFlagsOfTheByteAndThenItsProtocolVersion) {
 TEST(Capability, WritesAndReadsEveryByte) { expectOpenBelow<Capability::Enum>(0x100); }
 
 TEST(Capability, RefusesWhatIsNoByte) {
-    EXPECT_EQ(writeError<Capability::Enum>(0x100), "invalid Capability value 256");
-    EXPECT_EQ(readError<Capability::Enum>("listening|version8"), "invalid Capability text \"listening|version8\"");
+    EXPECT_EQ(writeError<Capability::Enum>(0x100), "InvalidEnumError: invalid Capability value 256");
+    EXPECT_EQ(readError<Capability::Enum>("listening|version8"),
+              "InvalidEnumError: invalid Capability text \"listening|version8\"");
 }
 
 TEST(ProtocolVersion, HasTheEightNumbersOfThreeBits) {
     expectTexts<ProtocolVersion::Enum>(
         {"version0", "version1", "version2", "version3", "version4", "version5", "version6", "version7"});
-    EXPECT_EQ(writeError<ProtocolVersion::Enum>(8), "invalid ProtocolVersion value 8");
+    EXPECT_EQ(writeError<ProtocolVersion::Enum>(8), "InvalidEnumError: invalid ProtocolVersion value 8");
 }
 
 TEST(Security, HasTheBitsOfTheNodesSecondByte) {
@@ -262,15 +266,15 @@ TEST(Security, HasTheBitsOfTheNodesSecondByte) {
                                  {0x80, "optionalFunctionality"},
                                  {0x9C, "specificDeviceType|routingSlave|beamCapability|optionalFunctionality"}});
     expectOpenBelow<Security::Enum>(0x100);
-    EXPECT_EQ(writeError<Security::Enum>(0x100), "invalid Security value 256");
+    EXPECT_EQ(writeError<Security::Enum>(0x100), "InvalidEnumError: invalid Security value 256");
 }
 
 TEST(ModuleType, HasTheLibraryTypesOfTheSerialInterface) {
     expectTexts<ModuleType::Enum>({"none", "staticController", "portableController", "enhancedSlave", "slave",
                                    "installer", "routingSlave", "bridgeController", "deviceUnderTest"});
     expectPairs<ModuleType::Enum>({{10, "avRemote"}, {11, "avDevice"}, {255, "unknown"}});
-    EXPECT_EQ(writeError<ModuleType::Enum>(9), "invalid ModuleType value 9");
-    EXPECT_EQ(readError<ModuleType::Enum>("0xff"), "invalid ModuleType text \"0xff\"");
+    EXPECT_EQ(writeError<ModuleType::Enum>(9), "InvalidEnumError: invalid ModuleType value 9");
+    EXPECT_EQ(readError<ModuleType::Enum>("0xff"), "InvalidEnumError: invalid ModuleType text \"0xff\"");
 }
 
 TEST(ControllerCapabilities, HasTheBitsOfTheSerialInterface) {
@@ -282,78 +286,81 @@ TEST(ControllerCapabilities, HasTheBitsOfTheSerialInterface) {
                                                {0x10, "suc"},
                                                {0x20, "noNodesIncluded"},
                                                {0x1C, "sisPresent|wasRealPrimary|suc"}});
-    EXPECT_EQ(writeError<ControllerCapabilities::Enum>(0x40), "invalid ControllerCapabilities value 64");
+    EXPECT_EQ(writeError<ControllerCapabilities::Enum>(0x40),
+              "InvalidEnumError: invalid ControllerCapabilities value 64");
 }
 
 TEST(ControllerRole, HasItsTexts) {
     expectTexts<ControllerRole::Enum>({"unknown", "primary", "secondary", "inclusion", "suc", "sis"});
-    EXPECT_EQ(writeError<ControllerRole::Enum>(6), "invalid ControllerRole value 6");
+    EXPECT_EQ(writeError<ControllerRole::Enum>(6), "InvalidEnumError: invalid ControllerRole value 6");
 }
 
 TEST(LearnMode, HasTheModesOfTheSerialInterface) {
     expectTexts<LearnMode::Enum>({"disabled", "classic", "networkWideInclusion", "networkWideExclusion"});
-    EXPECT_EQ(writeError<LearnMode::Enum>(4), "invalid LearnMode value 4");
+    EXPECT_EQ(writeError<LearnMode::Enum>(4), "InvalidEnumError: invalid LearnMode value 4");
 }
 
 TEST(LearnModeStatus, HasTheStatesOfTheSerialInterface) {
     expectPairs<LearnModeStatus::Enum>({{0, "none"}, {1, "started"}, {6, "done"}, {7, "failed"}, {0x80, "deleted"}});
-    EXPECT_EQ(writeError<LearnModeStatus::Enum>(2), "invalid LearnModeStatus value 2");
+    EXPECT_EQ(writeError<LearnModeStatus::Enum>(2), "InvalidEnumError: invalid LearnModeStatus value 2");
 }
 
 TEST(RequestNeighborUpdateStatus, HasTheStatesOfTheSerialInterface) {
     expectPairs<RequestNeighborUpdateStatus::Enum>({{0, "none"}, {0x21, "started"}, {0x22, "done"}, {0x23, "failed"}});
-    EXPECT_EQ(writeError<RequestNeighborUpdateStatus::Enum>(0x24), "invalid RequestNeighborUpdateStatus value 36");
+    EXPECT_EQ(writeError<RequestNeighborUpdateStatus::Enum>(0x24),
+              "InvalidEnumError: invalid RequestNeighborUpdateStatus value 36");
 }
 
 TEST(RequestNetworkUpdateStatus, HasTheStatesOfTheSerialInterface) {
     expectTexts<RequestNetworkUpdateStatus::Enum>({"done", "abort", "wait", "disabled", "overflow"});
-    EXPECT_EQ(writeError<RequestNetworkUpdateStatus::Enum>(5), "invalid RequestNetworkUpdateStatus value 5");
+    EXPECT_EQ(writeError<RequestNetworkUpdateStatus::Enum>(5),
+              "InvalidEnumError: invalid RequestNetworkUpdateStatus value 5");
 }
 
 TEST(DeviceLights, HasATextForItsDefaultFour) {
     expectTexts<DeviceLights::Enum>({"off", "on", "blinking", "blinkingFast", "unknown"});
-    EXPECT_EQ(writeError<DeviceLights::Enum>(5), "invalid DeviceLights value 5");
+    EXPECT_EQ(writeError<DeviceLights::Enum>(5), "InvalidEnumError: invalid DeviceLights value 5");
 }
 
 TEST(DeviceStatus, HasItsTexts) {
     expectTexts<DeviceStatus::Enum>({"unknown", "configuring", "ready", "incomplete", "fault"});
-    EXPECT_EQ(writeError<DeviceStatus::Enum>(5), "invalid DeviceStatus value 5");
+    EXPECT_EQ(writeError<DeviceStatus::Enum>(5), "InvalidEnumError: invalid DeviceStatus value 5");
 }
 
 TEST(DeviceNetworkStatus, HasItsTexts) {
     expectTexts<DeviceNetworkStatus::Enum>({"unknown", "online", "offline", "failed"});
-    EXPECT_EQ(writeError<DeviceNetworkStatus::Enum>(4), "invalid DeviceNetworkStatus value 4");
+    EXPECT_EQ(writeError<DeviceNetworkStatus::Enum>(4), "InvalidEnumError: invalid DeviceNetworkStatus value 4");
 }
 
 TEST(WakeStatus, HasItsTexts) {
     expectTexts<WakeStatus::Enum>({"unknown", "awake", "asleep"});
-    EXPECT_EQ(writeError<WakeStatus::Enum>(3), "invalid WakeStatus value 3");
+    EXPECT_EQ(writeError<WakeStatus::Enum>(3), "InvalidEnumError: invalid WakeStatus value 3");
 }
 
 TEST(SecurityStatus, HasItsTexts) {
     expectTexts<SecurityStatus::Enum>({"unknown", "insecure", "bootstrapping", "s0", "s2Unauthenticated",
                                        "s2Authenticated", "s2AccessControl", "failed"});
-    EXPECT_EQ(writeError<SecurityStatus::Enum>(8), "invalid SecurityStatus value 8");
+    EXPECT_EQ(writeError<SecurityStatus::Enum>(8), "InvalidEnumError: invalid SecurityStatus value 8");
 }
 
 TEST(ObserveAction, HasItsTexts) {
     expectTexts<ObserveAction::Enum>({"none", "start", "stop"});
-    EXPECT_EQ(writeError<ObserveAction::Enum>(3), "invalid ObserveAction value 3");
+    EXPECT_EQ(writeError<ObserveAction::Enum>(3), "InvalidEnumError: invalid ObserveAction value 3");
 }
 
 TEST(ObserveDirection, HasItsTexts) {
     expectTexts<ObserveDirection::Enum>({"none", "received", "sent"});
-    EXPECT_EQ(writeError<ObserveDirection::Enum>(3), "invalid ObserveDirection value 3");
+    EXPECT_EQ(writeError<ObserveDirection::Enum>(3), "InvalidEnumError: invalid ObserveDirection value 3");
 }
 
 TEST(SocketActor, HasItsTexts) {
     expectTexts<SocketActor::Enum>({"none", "client", "server"});
-    EXPECT_EQ(writeError<SocketActor::Enum>(3), "invalid SocketActor value 3");
+    EXPECT_EQ(writeError<SocketActor::Enum>(3), "InvalidEnumError: invalid SocketActor value 3");
 }
 
 TEST(SystemStatus, HasItsTexts) {
     expectTexts<SystemStatus::Enum>({"unknown", "starting", "ready", "degraded", "updating", "stopping"});
-    EXPECT_EQ(writeError<SystemStatus::Enum>(6), "invalid SystemStatus value 6");
+    EXPECT_EQ(writeError<SystemStatus::Enum>(6), "InvalidEnumError: invalid SystemStatus value 6");
 }
 
 } // namespace

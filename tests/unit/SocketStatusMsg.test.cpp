@@ -13,7 +13,7 @@ namespace {
 TEST(SocketStatusMsg, WritesStatus2AsDisconnectAndReadsItBack) {
     SocketStatusMsg const message(static_cast<SocketEvent::Enum>(2), SocketActor::client);
     EXPECT_EQ(ownMembers<TMessage>(message), R"(,"status_":"disconnect","actor_":"client"})");
-    auto const back = readBack<SocketStatusMsg>(wireText(message));
+    auto const back = readBack<SocketStatusMsg>(toText(message));
     EXPECT_EQ(back->status(), 2);
     EXPECT_EQ(back->actor(), SocketActor::client);
 }

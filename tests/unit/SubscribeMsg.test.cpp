@@ -28,7 +28,7 @@ TEST(SubscribeMsg, KeepsAnEventThatIsAddedTwice) {
 TEST(SubscribeMsg, WritesNoEventsAsAnEmptyArrayAndReadsThemBack) {
     SubscribeMsg const message(true);
     EXPECT_EQ(ownMembers<Confirmable>(message), R"(,"unsubscribe_":true,"events_":[]})");
-    auto const back = readBack<SubscribeMsg>(wireText(message));
+    auto const back = readBack<SubscribeMsg>(toText(message));
     EXPECT_TRUE(back->unsubscribe());
     EXPECT_TRUE(back->events().empty());
 }

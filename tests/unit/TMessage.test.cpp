@@ -73,7 +73,7 @@ TEST(TMessage, HasARandomIdentityOfVersion4) {
     EXPECT_EQ(ids.size(), 1000U);
 }
 
-TEST(TMessage, WritesTheFrameThatEndsTheChain) { EXPECT_EQ(wireText(readHeader(header)), header); }
+TEST(TMessage, WritesTheFrameThatEndsTheChain) { EXPECT_EQ(toText(readHeader(header)), header); }
 
 TEST(TMessage, ReadsEveryMemberOfItsHeader) {
     auto const message = readHeader(header);
@@ -207,13 +207,13 @@ TEST(TConfirmable, CarriesItsResultInAFrameOfItsOwn) {
     TConfirmable confirmable(TResult::noBlobs);
     Serializer s(R"({"__bases__":[)" + std::string(header) + "]}");
     confirmable.serialExtract(s);
-    EXPECT_EQ(wireText(confirmable),
+    EXPECT_EQ(toText(confirmable),
               R"({"__name__":"zorv::TConfirmable","__bases__":[)" + std::string(header) + R"(],"result_":"noBlobs"})");
 }
 
 TEST(TConfirmable, ClonesItself) {
     TConfirmable const confirmable(TResult::failure);
-    EXPECT_EQ(wireText(*confirmable.clone()), wireText(confirmable));
+    EXPECT_EQ(toText(*confirmable.clone()), toText(confirmable));
 }
 
 TEST(MessageRole, HasItsNumbersAndTexts) {

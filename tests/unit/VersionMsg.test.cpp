@@ -16,11 +16,11 @@ namespace {
 char const* const noText = nullptr;
 
 TEST(VersionMsg, WritesTwoKeysAndNoBases) {
-    EXPECT_EQ(wireText(VersionMsg("3.7")), R"({"__name__":"zorv::VersionMsg","protocolVersion_":"3.7"})");
+    EXPECT_EQ(toText(VersionMsg("3.7")), R"({"__name__":"zorv::VersionMsg","protocolVersion_":"3.7"})");
 }
 
 TEST(VersionMsg, EscapesItsTextOnTheWire) {
-    auto const text = wireText(VersionMsg("a\"b"));
+    auto const text = toText(VersionMsg("a\"b"));
     EXPECT_EQ(text, R"({"__name__":"zorv::VersionMsg","protocolVersion_":"a\"b"})");
     EXPECT_EQ(readBack<VersionMsg>(text)->protocolVersion(), "a\"b");
 }
@@ -46,7 +46,7 @@ TEST(VersionMsg, DoesNotWriteOrReadItsHeader) {
     VersionMsg original("1");
     original.role(MessageRole::request);
     original.result(ZResult::failure);
-    auto const copy = readBack<VersionMsg>(wireText(original));
+    auto const copy = readBack<VersionMsg>(toText(original));
     EXPECT_NE(copy->id(), original.id());
     EXPECT_EQ(copy->role(), MessageRole::none);
     EXPECT_EQ(copy->result(), ZResult::none);

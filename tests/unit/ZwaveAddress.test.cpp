@@ -47,8 +47,8 @@ TEST(ZwaveAddress, ShowsTheHomeIdInEightHexDigitsAndTheNodeIdInDecimal) {
 }
 
 TEST(ZwaveAddress, IsWrittenAsAnObjectWithoutAFrame) {
-    EXPECT_EQ(wireText(ZwaveAddress(0xC0FFEE01, 5)), R"({"homeId_":3237998081,"nodeId_":5})");
-    EXPECT_EQ(wireText(ZwaveAddress(0xFFFFFFFF, 255)), R"({"homeId_":4294967295,"nodeId_":255})");
+    EXPECT_EQ(toText(ZwaveAddress(0xC0FFEE01, 5)), R"({"homeId_":3237998081,"nodeId_":5})");
+    EXPECT_EQ(toText(ZwaveAddress(0xFFFFFFFF, 255)), R"({"homeId_":4294967295,"nodeId_":255})");
 }
 
 TEST(ZwaveAddress, IsReadFromItsObject) {

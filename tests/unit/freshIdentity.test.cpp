@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/freshIdentity.h"
 
-#include "tests/unit/inChildProcess.h"
+#include "tests/support/inChildProcess.h"
 
 #include <boost/uuid/uuid_io.hpp>
 

@@ -1,5 +1,0 @@
-// SPDX-License-Identifier: Apache-2.0
-#pragma once
-
-#include "tests/support/wire.h"
-#include "tests/unit/wire.h"
