@@ -5,6 +5,7 @@
 #include "platform/libtransport/TConfirmable.h"
 #include "platform/libtransport/readSerializable.h"
 #include "platform/libtransport/tables/MemberTable.h"
+#include "platform/libtransport/toText.h"
 #include "platform/libzorvshared/Device.h"
 #include "platform/libzorvshared/RawCommand.h"
 #include "zwave/libquillet/Catalogue.h"
@@ -110,9 +111,7 @@ Classes wireClasses() {
     Classes classes;
     for (auto const& name : SerialRegistry::names()) {
         auto const object = readSerializable("{\"__name__\":\"" + name + "\"}");
-        Serializer s;
-        object->serialInserter(s);
-        add(classes, parseJson(s.str()), all);
+        add(classes, parseJson(toText(*object)), all);
         classes.at(name).registered = true;
     }
     for (auto& entry : classes) { entry.second.isMessage = derivesFrom(classes, entry.first, TMessage::serialName()); }

@@ -4,6 +4,7 @@
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readMessage.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
+#include "platform/libtransport/toText.h"
 #include "transport/displayRow.h"
 #include "zwave/libquillet/Catalogue.h"
 
@@ -19,12 +20,6 @@ namespace zorv {
 
 namespace {
 
-std::string wireText(TMessage const& message) {
-    Serializer s;
-    message.serialInserter(s);
-    return s.str();
-}
-
 /// The message's own rows; none where it shows itself only by its header, or cannot show what it holds.
 StringVecVec tableOf(TMessage const& message) {
     StringVecVec rows;
@@ -39,7 +34,7 @@ StringVecVec tableOf(TMessage const& message) {
 /// A title, the result and the members of the message's class, with their values as they are written.
 StringVecVec membersOf(TMessage const& message) {
     Json::Value frame;
-    auto const text = wireText(message);
+    auto const text = toText(message);
     std::unique_ptr<Json::CharReader> const reader(Json::CharReaderBuilder().newCharReader());
     reader->parse(text.data(), text.data() + text.size(), &frame, nullptr);
     auto const asWritten = [&text](Json::Value const& value) {
@@ -74,7 +69,7 @@ public:
             try {
                 auto const message = readMessage(line);
                 auto const table = tableOf(*message);
-                output.show(table.empty() ? membersOf(*message) : table, wireText(*message));
+                output.show(table.empty() ? membersOf(*message) : table, toText(*message));
             } catch (BadMessageError const& error) {
                 std::cerr << "quillet: line " << number << ": " << error.what() << std::endl;
                 code = ExitCode::protocolError;

@@ -6,6 +6,7 @@
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
+#include "platform/libtransport/toText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -31,9 +32,8 @@ public:
     ExitCode run(DaemonAddress const&, Output& output) override {
         Serializer request;
         request << opencurly << Serializer::name << colon << findMessage(name_).name << closecurly;
-        Serializer example;
-        readSerializable(request.str())->serialInserter(example);
-        output.show({{example.str()}}, example.str());
+        auto const example = toText(*readSerializable(request.str()));
+        output.show({{example}}, example);
         return ExitCode::ok;
     }
 

@@ -2,9 +2,9 @@
 #include "apps/quillet/Command.h"
 
 #include "platform/libio/TcpConnection.h"
-#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/SerializerError.h"
 #include "platform/libtransport/hexDigits.h"
+#include "platform/libtransport/toText.h"
 #include "platform/libzorvlogger/printable.h"
 #include "zwave/libquillet/ManageNvmMsg.h"
 
@@ -111,11 +111,11 @@ private:
     /// Writes the parts of the request one by one, since the whole may be many times what memory should hold.
     void checkWriting(ManageNvmMsg const& backup) {
         ManageNvmMsg const request(ManageNvmOp::restore, backup.homeId(), ZResult::none, 0);
-        auto length = lengthOf(request) + backup.blobs().size() - 1; // with the commas
+        auto length = toText(request).size() + backup.blobs().size() - 1; // with the commas
         Finding unwritable;
         for (auto const& blob : backup.blobs()) {
             try {
-                length += lengthOf(*blob);
+                length += toText(*blob).size();
             } catch (SerializerError const&) { unwritable.add("blob " + quoted(blob->name()) + " is not UTF-8"); }
         }
         unwritable.addTo(warnings_);
@@ -124,12 +124,6 @@ private:
             warnings_.push_back("the request for a restore has " + std::to_string(length) +
                                 " bytes, the daemon takes " + std::to_string(limit));
         }
-    }
-
-    static std::size_t lengthOf(Serializable const& object) {
-        Serializer s;
-        object.serialInserter(s);
-        return s.str().size();
     }
 
     std::vector<std::string> warnings_;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libmessage_bus/MessageBus.h"
 
-#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
+#include "platform/libtransport/toText.h"
 #include "platform/libzorvlogger/Logger.h"
 #include "platform/libzorvlogger/StackTrace.h"
 #include "platform/libzorvlogger/logExceptionWarning.h"
@@ -23,12 +23,6 @@ namespace {
 
 constexpr std::size_t shownTraffic = 1000; // of each line, in bytes
 constexpr std::size_t requestBytes = 1024; // what a request costs beside its own text, about
-
-std::string toText(TMessage const& message) {
-    Serializer s;
-    message.serialInserter(s);
-    return s.str();
-}
 
 /// Whether a message was written with its header: without one on the wire, nothing can be linked to it, nor it to what
 /// it answers.

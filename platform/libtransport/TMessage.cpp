@@ -3,6 +3,7 @@
 
 #include "platform/libtransport/freshIdentity.h"
 #include "platform/libtransport/tables/MemberTable.h"
+#include "platform/libtransport/toText.h"
 #include "transport/displayRow.h"
 
 #include <boost/asio/ip/tcp.hpp>
@@ -38,10 +39,9 @@ bool TMessage::less(boost::shared_ptr<Message> const& other) const {
 }
 
 void TMessage::print(std::ostream& os) const {
-    Serializer s;
-    serialInserter(s);
+    auto const text = toText(*this);
     os.width(0); // fill characters are no JSON
-    os << s.str();
+    os << text;
 }
 
 void TMessage::accumulateDisplay(StringVecVec& rows) const {
