@@ -19,7 +19,7 @@ build: setup ## build everything
 
 run: setup ## build, then show the daemon and the client at work
 	@cmake --preset $(PRESET)
-	@cmake --build --preset $(PRESET) --target program-zwaved program-quillet
+	@cmake --build --preset $(PRESET) --target quillet-program-zwaved quillet-program-quillet
 	@scripts/demo build/$(PRESET)
 
 test: build ## build, then run the tests

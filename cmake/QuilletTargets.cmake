@@ -75,45 +75,52 @@ endfunction()
 
 # quillet_program(<name> <target>...)
 #
-# The folder's sources as the program <name>, linked to the given targets. The CMake target is program-<name>,
+# The folder's sources as the program <name>, linked to the given targets. The CMake target is quillet-program-<name>,
 # because libraries of the same names exist.
 function(quillet_program name)
     quillet_find_sources(sources "*.cpp")
-    add_executable(program-${name} ${sources})
+    set(target quillet-program-${name})
+    add_executable(${target} ${sources})
     # An installed program finds its libraries wherever the prefix is moved to.
     file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
     # ENABLE_EXPORTS lets a stack trace name the program's own functions.
-    set_target_properties(program-${name} PROPERTIES
+    set_target_properties(${target} PROPERTIES
         OUTPUT_NAME ${name}
         INSTALL_RPATH "$ORIGIN/${libraries}"
         ENABLE_EXPORTS ON)
-    target_link_libraries(program-${name} PRIVATE ${ARGN} quillet_build_options)
-    install(TARGETS program-${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+    target_link_libraries(${target} PRIVATE ${ARGN} quillet_build_options)
+    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+endfunction()
+
+# quillet_own_program(<name> <source>...)
+#
+# A program for the tree's own use, which is not installed. The CMake target is quillet-<name>, so that no target of a
+# project around this one has its name.
+function(quillet_own_program name)
+    add_executable(quillet-${name} ${ARGN})
+    set_target_properties(quillet-${name} PROPERTIES OUTPUT_NAME ${name})
+    target_link_libraries(quillet-${name} PRIVATE quillet_build_options)
 endfunction()
 
 # quillet_tests(<folder> <target>...)
 #
-# Every <folder>/**/*.test.cpp as one executable, linked to the given targets; each TEST in it is a ctest test with
-# the folder's name as its label. One executable per folder, because on a small machine linking, not compiling,
+# Every <folder>/**/*.test.cpp as the program <folder>-tests, linked to the given targets; each TEST in it is a ctest test
+# with the folder's name as its label. One executable per folder, because on a small machine linking, not compiling,
 # is what many small ones cost.
 function(quillet_tests folder)
     quillet_find_sources(sources "${folder}/*.cpp")
     if(NOT sources)
         message(FATAL_ERROR "tests/${folder} has no test")
     endif()
-    add_executable(${folder}-tests ${sources} testPaths.cpp)
-    set_target_properties(${folder}-tests PROPERTIES ENABLE_EXPORTS ON)
-    target_link_libraries(${folder}-tests PRIVATE ${ARGN} GTest::gmock GTest::gtest_main quillet_build_options)
+    set(target quillet-${folder}-tests)
+    quillet_own_program(${folder}-tests ${sources} testPaths.cpp)
+    set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
+    target_link_libraries(${target} PRIVATE ${ARGN} GTest::gmock GTest::gtest_main)
     # GoogleMock's header takes longer to compile than most tests. The option beside it lets a compiler cache serve them.
-    target_precompile_headers(${folder}-tests PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
-    target_compile_options(${folder}-tests PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
-    add_dependencies(${folder}-tests quillet)
-    foreach(program IN ITEMS program-zwaved program-quillet)
-        if(TARGET ${program})
-            add_dependencies(${folder}-tests ${program})
-        endif()
-    endforeach()
-    gtest_discover_tests(${folder}-tests
+    target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+    add_dependencies(${target} quillet quillet-program-zwaved quillet-program-quillet)
+    gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
         DISCOVERY_TIMEOUT 120
         PROPERTIES LABELS ${folder} TIMEOUT 120)
