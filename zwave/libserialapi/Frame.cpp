@@ -15,8 +15,10 @@ Byte frameChecksum(Byte const* begin, std::size_t count) noexcept {
 
 Bytes Frame::encode() const {
     if (parameters.size() > largestParameters) { throw std::length_error("frame with too many parameters"); }
-    Bytes bytes{control::startOfFrame, static_cast<Byte>(parameters.size() + limits::smallestLength),
-                static_cast<Byte>(type), function};
+    Bytes bytes;
+    bytes.reserve(parameters.size() + limits::smallestLength + 2);
+    bytes = {control::startOfFrame, static_cast<Byte>(parameters.size() + limits::smallestLength),
+             static_cast<Byte>(type), function};
     bytes.insert(bytes.end(), parameters.begin(), parameters.end());
     bytes.push_back(frameChecksum(bytes.data() + 1, bytes.size() - 1));
     return bytes;
