@@ -56,19 +56,20 @@ bool isGranted(std::size_t size) {
 
 } // namespace
 
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+// Out of line: where a compiler sees one of a pair and not the other, it takes them for a mismatch.
+[[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
     return isGranted(size) ? std::malloc(size > 0 ? size : 1) : nullptr;
 }
 
-void* operator new(std::size_t size) {
+[[gnu::noinline]] void* operator new(std::size_t size) {
     auto* const memory = operator new(size, std::nothrow);
     if (memory == nullptr) { throw std::bad_alloc(); }
     return memory;
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
 
 namespace zorv {
 namespace {
@@ -215,7 +216,8 @@ TEST(OutOfMemory, OfTheWholeProcessIsAResultOfReadingABackup) {
             return result + (log.lines().empty() ? "" : ' ' + log.lines().back());
         });
     };
-    EXPECT_EQ(readIn(64), "noBlobs WARN ManageNvmMsg::read: cannot parse object, std::bad_alloc");
+    // A thread of the log may have left an arena of 64 MiB, which the allocator falls back to; the tree needs 100.
+    EXPECT_EQ(readIn(8), "noBlobs WARN ManageNvmMsg::read: cannot parse object, std::bad_alloc");
     EXPECT_EQ(readIn(1024), "noBlobs"); // there are none
 }
 
