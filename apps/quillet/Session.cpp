@@ -22,14 +22,15 @@ Session::Session(DaemonAddress const& address)
         end(ExitCode::noConnection, "the daemon refused the connection: " + toString(message->result()));
     });
     auto const place = address.host + " port " + std::to_string(address.port);
-    connectTcp(loop_, address.host, address.port, timeout_, TcpLimits(),
-               [this, place](std::optional<TcpConnection> connection, std::string const& reason) {
-                   if (!connection) {
-                       return end(ExitCode::noConnection, "cannot connect to " + place + ": " + reason);
-                   }
-                   open(std::move(*connection));
-                   loop_.stop();
-               });
+    ConnectHandlers handlers;
+    handlers.connected = [this](TcpConnection connection) {
+        open(std::move(connection));
+        loop_.stop();
+    };
+    handlers.failed = [this, place](std::string const& reason) {
+        end(ExitCode::noConnection, "cannot connect to " + place + ": " + reason);
+    };
+    connectTcp(loop_, address.host, address.port, timeout_, TcpLimits(), std::move(handlers));
     wait();
 }
 

@@ -8,6 +8,7 @@
 #include <boost/asio/io_context.hpp>
 
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -20,10 +21,12 @@ using boost::system::error_code;
 
 class Attempt : public std::enable_shared_from_this<Attempt> {
 public:
-    using Done = std::function<void(std::optional<TcpConnection>, std::string const&)>;
-
-    Attempt(EventLoop& loop, TcpLimits const& limits, Done&& done)
-        : loop_(loop), limits_(limits), done_(std::move(done)), resolver_(loop.context()), socket_(loop.context()) {}
+    Attempt(EventLoop& loop, TcpLimits const& limits, ConnectHandlers&& handlers)
+        : loop_(loop),
+          limits_(limits),
+          handlers_(std::move(handlers)),
+          resolver_(loop.context()),
+          socket_(loop.context()) {}
 
     void start(std::string const& host, unsigned short port, std::chrono::milliseconds timeout) {
         // What is under way keeps this object; a timer of its own that kept it too would make a circle.
@@ -48,31 +51,37 @@ public:
 
 private:
     void connect(std::vector<tcp::endpoint> const& endpoints) {
-        if (!done_) { return; }
+        if (!handlers_) { return; }
         endpoints_ = endpoints;
-        boost::asio::async_connect(
-            socket_, endpoints_, [self = shared_from_this()](error_code const& error, tcp::endpoint const&) {
-                if (error) { return self->fail(error.message()); }
-                self->finish(TcpConnection(TcpSocket{std::move(self->socket_)}, self->limits_), "");
-            });
+        boost::asio::async_connect(socket_, endpoints_,
+                                   [self = shared_from_this()](error_code const& error, tcp::endpoint const&) {
+                                       if (error) { return self->fail(error.message()); }
+                                       TcpConnection connection(TcpSocket{std::move(self->socket_)}, self->limits_);
+                                       if (auto const handlers = self->finish()) {
+                                           handlers->connected(std::move(connection));
+                                       }
+                                   });
     }
 
-    void fail(std::string const& reason) { finish(std::nullopt, reason); }
+    void fail(std::string const& reason) {
+        if (auto const handlers = finish()) { handlers->failed(reason); }
+    }
 
-    void finish(std::optional<TcpConnection> connection, std::string const& reason) {
-        // Giving up makes what is still under way fail as well, and that is told to nobody.
-        auto const done = std::exchange(done_, nullptr);
-        if (!done) { return; }
-        timer_.cancel();
-        resolver_.cancel();
-        error_code ignored;
-        socket_.close(ignored);
-        done(std::move(connection), reason);
+    /// The handlers, the first time. Whatever is still under way then fails, and nobody is told of that.
+    std::optional<ConnectHandlers> finish() {
+        auto handlers = std::exchange(handlers_, std::nullopt);
+        if (handlers) {
+            timer_.cancel();
+            resolver_.cancel();
+            error_code ignored;
+            socket_.close(ignored);
+        }
+        return handlers;
     }
 
     EventLoop& loop_;
     TcpLimits limits_;
-    Done done_;
+    std::optional<ConnectHandlers> handlers_; // none once the outcome was told
     tcp::resolver resolver_;
     tcp::socket socket_;
     std::vector<tcp::endpoint> endpoints_;
@@ -82,8 +91,8 @@ private:
 } // namespace
 
 void connectTcp(EventLoop& loop, std::string const& host, unsigned short port, std::chrono::milliseconds timeout,
-                TcpLimits const& limits, std::function<void(std::optional<TcpConnection>, std::string const&)> done) {
-    std::make_shared<Attempt>(loop, limits, std::move(done))->start(host, port, timeout);
+                TcpLimits const& limits, ConnectHandlers handlers) {
+    std::make_shared<Attempt>(loop, limits, std::move(handlers))->start(host, port, timeout);
 }
 
 } // namespace zorv

@@ -5,17 +5,20 @@
 
 #include <chrono>
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace zorv {
 
 class EventLoop;
 
-/// Connects to `host`, a name or an address, and calls `done` once: with the connection, or with none and the reason.
-ZORV_EXPORT void
-connectTcp(EventLoop& loop, std::string const& host, unsigned short port, std::chrono::milliseconds timeout,
-           TcpLimits const& limits,
-           std::function<void(std::optional<TcpConnection> connection, std::string const& reason)> done);
+/// One of them is called, once, with the outcome.
+struct ConnectHandlers {
+    std::function<void(TcpConnection connection)> connected;
+    std::function<void(std::string const& reason)> failed;
+};
+
+/// Connects to `host`, a name or an address.
+ZORV_EXPORT void connectTcp(EventLoop& loop, std::string const& host, unsigned short port,
+                            std::chrono::milliseconds timeout, TcpLimits const& limits, ConnectHandlers handlers);
 
 } // namespace zorv

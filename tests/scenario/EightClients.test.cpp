@@ -35,25 +35,26 @@ Tally pingAtOnce(unsigned short port, unsigned char node, int count) {
     Tally tally;
     EventLoop loop;
     MessageBus bus(loop);
-    connectTcp(loop, "127.0.0.1", port, std::chrono::seconds(20), TcpLimits(),
-               [&](std::optional<TcpConnection> connection, std::string const&) {
-                   if (!connection) { return loop.stop(); }
-                   auto const daemon = bus.attach(std::move(*connection));
-                   bus.send(daemon, VersionMsg::create("1.0"));
-                   for (int i = 0; i < count; ++i) {
-                       auto const request = PingMsg::create(ZwaveAddress(0xC0FFEE01, node));
-                       bus.request(daemon, request, std::chrono::seconds(20),
-                                   [&, request](MessageBus::ConfirmablePtr const& any) {
-                                       auto const ping = boost::dynamic_pointer_cast<PingMsg>(any);
-                                       bool const mine = ping && ping->result() == ZResult::success &&
-                                                         ping->correlation() == request->id() &&
-                                                         ping->destination().nodeId() == node;
-                                       mine ? ++tally.answers : ++tally.strangers;
-                                       tally.correlations.insert(any->correlation());
-                                       if (tally.answers + tally.strangers == count) { loop.stop(); }
-                                   });
-                   }
-               });
+    auto const take = [&](PingMsg const& request, MessageBus::ConfirmablePtr const& any) {
+        auto const ping = boost::dynamic_pointer_cast<PingMsg>(any);
+        bool const mine = ping && ping->result() == ZResult::success && ping->correlation() == request.id() &&
+                          ping->destination().nodeId() == node;
+        mine ? ++tally.answers : ++tally.strangers;
+        tally.correlations.insert(any->correlation());
+        if (tally.answers + tally.strangers == count) { loop.stop(); }
+    };
+    ConnectHandlers handlers;
+    handlers.connected = [&](TcpConnection connection) {
+        auto const daemon = bus.attach(std::move(connection));
+        bus.send(daemon, VersionMsg::create("1.0"));
+        for (int i = 0; i < count; ++i) {
+            auto const request = PingMsg::create(ZwaveAddress(0xC0FFEE01, node));
+            bus.request(daemon, request, std::chrono::seconds(20),
+                        [&take, request](auto const& answer) { take(*request, answer); });
+        }
+    };
+    handlers.failed = [&loop](std::string const&) { loop.stop(); };
+    connectTcp(loop, "127.0.0.1", port, std::chrono::seconds(20), TcpLimits(), std::move(handlers));
     runLoop(loop);
     return tally;
 }
