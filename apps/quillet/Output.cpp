@@ -26,10 +26,10 @@ void Output::show(TMessage const& message) {
 
 void Output::show(StringVecVec const& rows, std::string const& json) {
     errno = 0;
-    if (json_) {
-        os_ << printableJson(json) << std::endl;
-    } else {
+    if (!json_) {
         table_.add(rows, {});
+    } else if (!json.empty()) {
+        os_ << printableJson(json) << std::endl;
     }
     checkWritten();
 }

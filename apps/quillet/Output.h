@@ -18,7 +18,7 @@ public:
     /// Ends the command with an ExitError where the output cannot be written: without a text where nobody reads it.
     void show(TMessage const& message);
 
-    /// What is no message: its rows, or its JSON text; ends as above.
+    /// What is no message: its rows, or its lines of JSON, none where the text is empty; ends as above.
     void show(StringVecVec const& rows, std::string const& json);
 
     /// Ends the command with an ExitError because the daemon did not understand it; the rejection is shown as JSON only.

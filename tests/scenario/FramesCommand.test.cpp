@@ -44,6 +44,12 @@ TEST_F(FramesCommand, ShowsAFrameAsJson) {
                                     R"({"callbackId":10,"data":"0000","node":5,"options":37},"sender":"host"})"));
 }
 
+TEST_F(FramesCommand, PrintsNothingAsJsonWhereThereIsNoFrame) {
+    EXPECT_EQ(run({"--json", "frames", directory_.write("recorded.log", "# a comment\n")}), 0);
+    EXPECT_THAT(lines_, testing::IsEmpty());
+    EXPECT_EQ(errors_, "");
+}
+
 TEST_F(FramesCommand, ShowsSeveralFramesOfOneLine) {
     EXPECT_EQ(frames("module 06 01 04 01 13 01 e8\n"), 0);
     EXPECT_THAT(lines_, ElementsAre("Sender  Function  Form      Members", //
