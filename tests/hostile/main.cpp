@@ -12,7 +12,6 @@
 #include <chrono>
 #include <csignal>
 #include <exception>
-#include <fstream>
 #include <functional>
 #include <iomanip>
 #include <iostream>
@@ -126,16 +125,6 @@ std::vector<Attack> attacks() {
     return all;
 }
 
-/// A number of /proc/PID/status, in KiB.
-long status(pid_t pid, std::string const& key) {
-    std::ifstream in("/proc/" + std::to_string(pid) + "/status");
-    for (std::string word; in >> word;) {
-        long value = 0;
-        if (word == key + ":" && in >> value) { return value; }
-    }
-    throw std::runtime_error("no " + key + " of the daemon");
-}
-
 struct Outcome {
     long peakKiB = 0;
     std::chrono::microseconds worstWait{};
@@ -159,10 +148,9 @@ void behaveWell(OpenClient& client, std::function<bool()> const& goOn, Outcome& 
 Outcome run(Attack const& attack, Options const& options) {
     Outcome outcome;
     Process daemon({"/bin/sh", "-c", attack.limits + "; exec \"$0\" --port 0", zorv::programPath("zwaved")});
-    auto const announcement = daemon.readLine();
-    auto const port = static_cast<unsigned short>(std::stoul(announcement.substr(announcement.rfind(':') + 1)));
+    auto const port = announcedPort(daemon);
     OpenClient good(port);
-    auto const atRest = status(daemon.pid(), "VmRSS");
+    auto const atRest = daemon.memory("VmRSS");
     auto const end =
         Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.seconds));
     auto const goOn = [end] { return Clock::now() < end; };
@@ -180,7 +168,7 @@ Outcome run(Attack const& attack, Options const& options) {
         behaveWell(good, goOn, outcome);
     } catch (std::exception const& error) { outcome.failure = error.what(); }
     for (auto& thread : threads) { thread.join(); }
-    outcome.peakKiB = status(daemon.pid(), "VmHWM") - atRest;
+    outcome.peakKiB = daemon.memory("VmHWM") - atRest;
     daemon.signal(SIGTERM);
     if (daemon.wait() != 0) { outcome.failure = "the daemon did not end in order"; }
     return outcome;

@@ -11,6 +11,9 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -26,14 +29,6 @@ std::vector<std::string> daemonCommand(std::vector<std::string> const& arguments
     std::vector<std::string> command{zorv::programPath("zwaved"), "--port", "0"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
-}
-
-unsigned short portOf(std::string const& announcement) {
-    std::string const start = "listening on 127.0.0.1:";
-    if (announcement.compare(0, start.size(), start) != 0) {
-        throw std::runtime_error("not an announcement: " + announcement);
-    }
-    return static_cast<unsigned short>(std::stoul(announcement.substr(start.size())));
 }
 
 } // namespace
@@ -135,8 +130,38 @@ void Process::waitForError(std::string const& text) const {
     }
 }
 
+long Process::memory(std::string const& key) const {
+    std::ifstream status("/proc/" + std::to_string(pid_) + "/status");
+    for (std::string word; status >> word;) {
+        long value = 0;
+        if (word == key + ":" && status >> value) { return value; }
+    }
+    throw std::runtime_error("no " + key + " of the process");
+}
+
+std::chrono::milliseconds Process::processorTime() const {
+    std::ifstream file("/proc/" + std::to_string(pid_) + "/stat");
+    std::string const stat{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::istringstream fields(stat.substr(stat.rfind(')') + 1)); // what precedes is the name, which may hold anything
+    std::string skipped;
+    for (int field = 3; field < 14; ++field) { fields >> skipped; }
+    long user = 0;
+    long system = 0;
+    if (!(fields >> user >> system)) { throw std::runtime_error("no times of the process"); }
+    return std::chrono::milliseconds((user + system) * 1000 / ::sysconf(_SC_CLK_TCK));
+}
+
+unsigned short announcedPort(Process& daemon) {
+    std::string const start = "listening on 127.0.0.1:";
+    auto const announcement = daemon.readLine();
+    if (announcement.compare(0, start.size(), start) != 0) {
+        throw std::runtime_error("not an announcement: " + announcement);
+    }
+    return static_cast<unsigned short>(std::stoul(announcement.substr(start.size())));
+}
+
 DaemonProcess::DaemonProcess(std::vector<std::string> const& arguments)
-    : Process(daemonCommand(arguments)), port_(portOf(readLine())) {}
+    : Process(daemonCommand(arguments)), port_(announcedPort(*this)) {}
 
 std::vector<std::string> clientCommand(unsigned short port, std::vector<std::string> const& arguments) {
     std::vector<std::string> command{zorv::programPath("quillet"), "--port", std::to_string(port)};

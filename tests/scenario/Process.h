@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,12 @@ public:
     /// Waits until the text has come on standard error.
     void waitForError(std::string const& text) const;
 
+    /// A number of /proc/PID/status, in KiB: the memory that the process has (VmRSS), the most that it had (VmHWM).
+    long memory(std::string const& key) const;
+
+    /// How long the process has been computing.
+    std::chrono::milliseconds processorTime() const;
+
 private:
     bool readMore();
 
@@ -50,6 +57,9 @@ private:
     int errors_ = -1;
     std::string unread_;
 };
+
+/// The port that a daemon announces as it starts.
+unsigned short announcedPort(Process& daemon);
 
 /// The reference daemon on a free port.
 class DaemonProcess : public Process {
