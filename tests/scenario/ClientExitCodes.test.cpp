@@ -211,8 +211,8 @@ TEST(ClientExitCodes, DaemonOfAnotherVersionIsFive) {
                             R"({"__name__":"zorv::VersionMsg","protocolVersion_":"2.3"})");
     Process client(clientCommand(daemon.port(), {"ping", "5"}));
     EXPECT_EQ(client.wait(), 5);
-    EXPECT_NE(std::string::npos,
-              client.errors().find("quillet: the daemon speaks protocol version 2.3, this client speaks 1.0\n"));
+    EXPECT_THAT(client.errors(),
+                HasSubstr("quillet: the daemon speaks protocol version 2.3, this client speaks 1.0\n"));
 }
 
 TEST(ClientExitCodes, DaemonThatDoesNotTellItsVersionFirstIsFive) {

@@ -5,6 +5,7 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -41,7 +42,7 @@ protected:
         EXPECT_TRUE(client_.endsAfter(0));
         daemon_.signal(SIGTERM);
         EXPECT_EQ(daemon_.wait(), 0);
-        EXPECT_NE(std::string::npos, daemon_.errors().find("bad first line: " + complaint)) << daemon_.errors();
+        EXPECT_THAT(daemon_.errors(), testing::HasSubstr("bad first line: " + complaint));
     }
 
     DaemonProcess daemon_;
@@ -69,7 +70,7 @@ TEST_F(Opening, RefusesAMajorVersionThatOnlyBeginsAlike) { expectRefusal(version
 
 TEST_F(Opening, RefusesARequestAndDoesNotExecuteIt) {
     expectRefusal(pingLine(1), "PingMsg instead of VersionMsg");
-    EXPECT_NE(none_, correlation_);
+    EXPECT_NE(correlation_, none_);
 }
 
 TEST_F(Opening, RefusesAnEmptyLine) { expectRefusal("", "malformed text"); }

@@ -16,6 +16,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/local/stream_protocol.hpp>
 #include <boost/make_shared.hpp>
+#include <json/reader.h>
 #include <json/value.h>
 
 #include <sys/resource.h>
@@ -26,6 +27,7 @@
 #include <csignal>
 #include <fstream>
 #include <new>
+#include <sstream>
 #include <string>
 #include <thread>
 
@@ -34,7 +36,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 boost::shared_ptr<Blob> makeBlob(std::string const& name, OctetVec const& bytes) {
@@ -225,6 +226,24 @@ TEST(ManageNvmMsg, ShowsItsHomeIdInDecimalAndItsResult) {
 
 // ---- the search for blobs
 
+/// What JsonCpp says of a call that fails: its words are not ours to choose.
+template <class Call> std::string wordsOfJsonCpp(Call const& call) {
+    try {
+        call();
+    } catch (Json::Exception const& error) { return error.what(); }
+    return "no error";
+}
+
+Json::Value parsed(std::string const& text) {
+    std::istringstream is(text);
+    Json::Value value;
+    is >> value;
+    return value;
+}
+
+std::string const noNumber = wordsOfJsonCpp([] { return Json::Value("c0ffee01").asUInt(); });
+std::string const noString = wordsOfJsonCpp([] { return Json::Value(Json::arrayValue).asString(); });
+
 HomeId find(Json::Value value, BlobVec& blobs) { return ManageNvmMsg::findBlobs(value, blobs); }
 
 HomeId findHomeId(Json::Value const& value) {
@@ -378,7 +397,7 @@ TEST(FindBlobs, DoesNotWarnOfEqualHomeIdsOrOfNone) {
 TEST(FindBlobs, RefusesAHomeIdThatIsNoNumber) {
     Json::Value value;
     value["homeId_"] = "c0ffee01";
-    EXPECT_EQ(errorOf([&] { findHomeId(value); }), "Json::LogicError: ");
+    EXPECT_EQ(errorOf([&] { findHomeId(value); }), "Json::LogicError: " + noNumber);
 }
 
 // ---- the backup file
@@ -499,8 +518,7 @@ TEST_F(ReadBackup, OfADirectoryFailsWith8) {
 
 TEST_F(ReadBackup, OfAnEmptyFileFailsWith9) {
     EXPECT_EQ(read(""), ZResult::Enum(9));
-    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + "* Line 1, Column 1\n"
-                                                        "  Syntax error: value, object or array expected.\n"));
+    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + wordsOfJsonCpp([] { parsed(""); })));
 }
 
 TEST_F(ReadBackup, OfNothingButLineEndsFailsWith9) {
@@ -510,7 +528,7 @@ TEST_F(ReadBackup, OfNothingButLineEndsFailsWith9) {
 
 TEST_F(ReadBackup, OfMalformedJsonFailsWith9) {
     EXPECT_EQ(read("[" + goodBlob), ZResult::Enum(9));
-    EXPECT_THAT(log_.lines(), ElementsAre(StartsWith(cannotParse + "* Line 1, Column 86\n")));
+    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + wordsOfJsonCpp([] { parsed("[" + goodBlob); })));
 }
 
 TEST_F(ReadBackup, OfMalformedJsonLeavesTheMessageAsItIs) {
@@ -578,13 +596,13 @@ TEST_F(ReadBackup, StopsAtAMemberOfTheWrongTypeAndLeavesTheHomeIdUnchanged) {
     std::string const wrong = R"({"name_":"wrong","offset_":0,"size_":"4","crc_":0,"contents_":""})";
     read(R"([{"homeId_":5},)" + goodBlob + "]");
     EXPECT_EQ(read(R"([{"homeId_":6},)" + wrong + "," + otherBlob + "]"), ZResult::Enum(9));
-    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + "Value is not convertible to UInt."));
+    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + noNumber));
     EXPECT_THAT(message_.blobs(), IsEmpty());
     EXPECT_EQ(message_.homeId(), 5U);
 
     log_.clear();
     EXPECT_EQ(read(R"([{"homeId_":6},)" + otherBlob + "," + wrong + "]"), ZResult::Enum(9));
-    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + "Value is not convertible to UInt."));
+    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + noNumber));
     EXPECT_THAT(blobNames(), ElementsAre("nodes"));
     EXPECT_EQ(message_.homeId(), 5U);
 }
@@ -592,14 +610,14 @@ TEST_F(ReadBackup, StopsAtAMemberOfTheWrongTypeAndLeavesTheHomeIdUnchanged) {
 TEST_F(ReadBackup, RefusesEachMemberThatDoesNotConvert) {
     struct {
         char const* members;
-        char const* complaint;
+        std::string complaint;
     } const cases[] = {
-        {R"("name_":[],"offset_":0,"size_":0,"crc_":0,"contents_":"")", "Type is not convertible to string"},
-        {R"("name_":"","offset_":{},"size_":0,"crc_":0,"contents_":"")", "Value is not convertible to UInt."},
-        {R"("name_":"","offset_":0,"size_":[],"crc_":0,"contents_":"")", "Value is not convertible to UInt."},
-        {R"("name_":"","offset_":0,"size_":0,"crc_":"0","contents_":"")", "Value is not convertible to UInt."},
-        {R"("name_":"","offset_":0,"size_":0,"crc_":0,"contents_":{})", "Type is not convertible to string"},
-        {R"("homeId_":"5")", "Value is not convertible to UInt."},
+        {R"("name_":[],"offset_":0,"size_":0,"crc_":0,"contents_":"")", noString},
+        {R"("name_":"","offset_":{},"size_":0,"crc_":0,"contents_":"")", noNumber},
+        {R"("name_":"","offset_":0,"size_":[],"crc_":0,"contents_":"")", noNumber},
+        {R"("name_":"","offset_":0,"size_":0,"crc_":"0","contents_":"")", noNumber},
+        {R"("name_":"","offset_":0,"size_":0,"crc_":0,"contents_":{})", noString},
+        {R"("homeId_":"5")", noNumber},
     };
     for (auto const& c : cases) {
         log_.clear();
@@ -610,13 +628,14 @@ TEST_F(ReadBackup, RefusesEachMemberThatDoesNotConvert) {
 
 TEST_F(ReadBackup, RefusesNumbersOutOfRange) {
     for (auto const* const number : {"-1", "4294967296", "18446744073709551616", "1e20", "-0.5e10"}) {
+        auto const complaint = wordsOfJsonCpp([&] { return parsed(number).asUInt(); });
         for (auto const* const key : {"offset_", "size_", "crc_"}) {
             auto text = goodBlob;
             auto const at = text.find(key) + std::string(key).size() + 2;
             text.replace(at, text.find(',', at) - at, number);
             log_.clear();
             EXPECT_EQ(read(text), ZResult::noBlobs) << text;
-            EXPECT_THAT(log_.lines(), ElementsAre(MatchesRegex(cannotParse + ".* out of UInt range"))) << text;
+            EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + complaint)) << text;
         }
     }
 }
@@ -684,7 +703,7 @@ TEST_F(ReadBackup, ReadsFiveLevelsOfNesting) {
 TEST_F(ReadBackup, RefusesFiveThousandLevelsOfNesting) {
     read("[" + goodBlob + "]");
     EXPECT_EQ(read(nested(5000, goodBlob)), ZResult::Enum(9));
-    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + "Exceeded stackLimit in readValue()."));
+    EXPECT_THAT(log_.lines(), ElementsAre(cannotParse + wordsOfJsonCpp([] { parsed(nested(5000, goodBlob)); })));
 
     std::string objects;
     for (int i = 0; i < 5000; ++i) { objects += R"({"a":)"; }
@@ -819,7 +838,7 @@ TEST_F(ReadBackup, LogsAnErrorOfThisLibraryInFull) {
 TEST_F(ReadBackup, LogsAnErrorOfTheStandardLibrary) {
     log_.onEvent(throwOnce(std::bad_alloc()));
     EXPECT_EQ(read(twoHomeIds), ZResult::Enum(9));
-    EXPECT_THAT(log_.lines(), ElementsAre(preferring + "7", cannotParse + "std::bad_alloc"));
+    EXPECT_THAT(log_.lines(), ElementsAre(preferring + "7", cannotParse + std::bad_alloc().what()));
 }
 
 TEST_F(ReadBackup, LogsAnErrorOfAnyOtherType) {
