@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-// What the command lines of all programs have in common: numbers with a range, and what is said of wrong usage.
+// What the command lines of all programs share: numbers with a range, and the messages for wrong usage.
 
 namespace zorv {
 
@@ -43,7 +43,7 @@ inline std::size_t editDistance(std::string const& from, std::string const& to) 
     return row[to.size()];
 }
 
-/// The hint at the word that was meant, or nothing where none is near.
+/// Suggests the known word that is nearest to an unknown one; empty if none is near.
 inline std::string suggest(std::string const& word, std::vector<std::string> const& known) {
     auto best = word.size() / 3 + 2; // one more than may differ
     std::string nearest;
@@ -57,7 +57,7 @@ inline std::string suggest(std::string const& word, std::vector<std::string> con
     return nearest.empty() ? nearest : "; did you mean \"" + nearest + "\"?";
 }
 
-/// What is wrong with a command line that has a word that means nothing; empty where that is not what is wrong.
+/// The complaint about an unknown word on the command line; empty if there is no unknown word.
 inline std::string unknownWord(CLI::App const& app) {
     auto const words = app.remaining(true);
     if (words.empty() || words.front().empty()) { return ""; }
@@ -78,7 +78,7 @@ inline std::string unknownWord(CLI::App const& app) {
     return (known.empty() ? "unexpected argument \"" : "unknown command \"") + word + '"' + suggest(word, known);
 }
 
-/// Prints the help that was asked for, or says on standard error what is wrong; the exit code: 0, or `wrongUsage`.
+/// Prints the requested help, or the complaint on standard error. Returns the exit code: 0, or `wrongUsage`.
 inline int endWithUsage(CLI::App const& app, CLI::ParseError const& error, int wrongUsage) {
     if (error.get_exit_code() == 0) { return app.exit(error); }
     auto const unknown = unknownWord(app);

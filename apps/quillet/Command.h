@@ -30,7 +30,7 @@ public:
     Command& operator=(Command const&) = delete;
     virtual ~Command() = default;
 
-    /// Adds the subcommand, and gives back what CLI11 made of it.
+    /// Adds the subcommand and returns its CLI11 object.
     virtual CLI::App* addTo(CLI::App& app) = 0;
 
     virtual ExitCode run(DaemonAddress const& daemon, Output& output) = 0;

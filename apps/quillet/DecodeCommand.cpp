@@ -20,7 +20,7 @@ namespace zorv {
 
 namespace {
 
-/// The message's own rows; none where it shows itself only by its header, or cannot show what it holds.
+/// The message's own rows; none if it shows only its header, or if showing it fails.
 StringVecVec tableOf(TMessage const& message) {
     StringVecVec rows;
     StringVecVec header;
@@ -53,7 +53,8 @@ StringVecVec membersOf(TMessage const& message) {
     return rows;
 }
 
-/// Shows the messages that come on standard input, one line each; a line that is none is told, and the rest goes on.
+/// Shows the messages on standard input, one per line. A line that is not a message is reported, and the next ones are
+/// still shown.
 class DecodeCommand final : public Command {
 public:
     CLI::App* addTo(CLI::App& app) override {

@@ -38,7 +38,7 @@ struct RecordedLine {
     Bytes bytes;
 };
 
-/// Adds the pairs of hex digits that a word is made of; false where it is not.
+/// Adds the bytes of a word of hex digits; false if the word is not made of pairs of hex digits.
 bool addBytes(std::string const& word, Bytes& bytes) {
     if (word.size() % 2 != 0) { return false; }
     for (std::size_t i = 0; i < word.size(); i += 2) {
@@ -49,7 +49,7 @@ bool addBytes(std::string const& word, Bytes& bytes) {
     return true;
 }
 
-/// Nothing where the text is no `host|module HEX...`.
+/// Parses `host|module HEX...`; nothing if the text has another form.
 std::optional<RecordedLine> parseLine(std::string const& text) {
     std::istringstream words(text);
     std::string word;
@@ -135,7 +135,7 @@ public:
     bool isGood() const noexcept { return good_; }
 
 private:
-    /// Adds what begins at the position; gives its size.
+    /// Adds the frame or the single byte at the position and returns its size.
     std::size_t addNext(RecordedLine const& line, std::size_t position) {
         auto const* const name = controlName(line.bytes[position]);
         if (name != nullptr) {

@@ -24,10 +24,10 @@ namespace zorv {
 
 namespace {
 
-/// What a blob of a backup is good for.
+/// Whether one blob of a backup is intact.
 struct BlobCheck {
     bool checksumHolds;
-    std::string contents; ///< "good", or what is wrong with them; empty where the checksum says nothing good already
+    std::string contents; ///< "good", or what is wrong with them; empty if the checksum already differs
 
     explicit BlobCheck(Blob const& blob) : checksumHolds(blob.checkCrc()) {
         if (!checksumHolds) { return; }
@@ -48,7 +48,7 @@ std::string quoted(std::string const& name) { return '"' + name + '"'; }
 
 std::uint64_t endOf(Blob const& blob) { return std::uint64_t{blob.offset()} + blob.size(); }
 
-/// What a restore would trip over though every blob is good by itself: a sentence for each kind, with the first of them.
+/// Problems that a restore would meet although each blob is intact: one sentence per kind, which names the first blob.
 class RestoreCheck {
 public:
     explicit RestoreCheck(ManageNvmMsg const& backup) {
@@ -87,7 +87,7 @@ private:
                          [](auto const& a, auto const& b) { return a->offset() < b->offset(); });
         Finding overlapping;
         Finding beyond;
-        Blob const* last = nullptr; // of those before, the one that ends last
+        Blob const* last = nullptr; // of the blobs so far, the one that ends last
         for (auto const& blob : sorted) {
             if (last != nullptr && blob->offset() < endOf(*last)) {
                 overlapping.add("blob " + quoted(blob->name()) + " overlaps " + quoted(last->name()));
@@ -108,7 +108,7 @@ private:
         repeated.addTo(warnings_);
     }
 
-    /// Writes the parts of the request one by one, since the whole may be many times what memory should hold.
+    /// Writes the request part by part, because the whole may be too large for memory.
     void checkWriting(ManageNvmMsg const& backup) {
         ManageNvmMsg const request(ManageNvmOp::restore, backup.homeId(), ZResult::none, 0);
         auto length = toText(request).size() + backup.blobs().size() - 1; // with the commas

@@ -15,13 +15,15 @@ class Output {
 public:
     Output(std::ostream& os, bool json) : os_(os), table_(os), json_(json) {}
 
-    /// Ends the command with an ExitError where the output cannot be written: without a text where nobody reads it.
+    /// Throws an ExitError if the output cannot be written; its text is empty if the reader has closed the output.
     void show(TMessage const& message);
 
-    /// What is no message: its rows, or its lines of JSON, none where the text is empty; ends as above.
+    /// Shows something that is not a message: its rows, or its lines of JSON. An empty JSON text prints nothing. Throws
+    /// as above.
     void show(StringVecVec const& rows, std::string const& json);
 
-    /// Ends the command with an ExitError because the daemon did not understand it; the rejection is shown as JSON only.
+    /// Throws an ExitError because the daemon did not understand the request. With JSON output, the rejection is shown
+    /// first.
     [[noreturn]] void showRejection(Confirmable const& rejection);
 
 private:

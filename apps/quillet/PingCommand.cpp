@@ -19,7 +19,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-/// Pings one node, once or several times; a series goes on whatever comes back.
+/// Pings one node, once or several times. A series continues after a failed ping.
 class PingCommand final : public Command {
 public:
     CLI::App* addTo(CLI::App& app) override {

@@ -18,7 +18,7 @@ inline std::chrono::milliseconds toMilliseconds(double seconds) {
     return std::chrono::milliseconds(std::llround(seconds * 1000));
 }
 
-/// Accepts numbers from `lowest` to a day; unlike CLI11's own range, no "nan".
+/// Accepts numbers from `lowest` to a day. CLI11's own range check would accept "nan".
 inline CLI::Validator isSeconds(double lowest) {
     return CLI::Validator(
         [lowest](std::string const& text) {

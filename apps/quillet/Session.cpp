@@ -15,9 +15,9 @@ namespace zorv {
 Session::Session(DaemonAddress const& address)
     : timeout_(address.timeout),
       interrupt_(loop_, {SIGINT}, [this](int) { end(ExitCode::interrupted, ""); }),
-      // A daemon that says nothing at all is found out by the first request's own deadline.
+      // If the daemon sends nothing at all, the first request's own deadline detects that.
       bus_(loop_, busHandlers(), timeout_ + std::chrono::seconds(10)) {
-    // What the daemon says without being asked, but for its version, is that it does not want this client.
+    // Apart from its version, the only message that the daemon sends unasked is that it refuses this client.
     bus_.listen<Confirmable>([this](auto const& message, PeerId) {
         end(ExitCode::noConnection, "the daemon refused the connection: " + toString(message->result()));
     });
@@ -46,13 +46,13 @@ MessageBus::Handlers Session::busHandlers() {
     return handlers;
 }
 
-/// Each side tells its version without waiting for the other's; what is asked next need not wait either.
+/// Each side sends its version without waiting for the other's. The first request need not wait either.
 void Session::open(TcpConnection connection) {
     daemon_ = bus_.attach(std::move(connection));
     bus_.send(daemon_, VersionMsg::create(protocolVersion));
 }
 
-/// What is wrong with the daemon's first message; empty where nothing is.
+/// The complaint about the daemon's first message; empty if the message is good.
 std::string Session::judgeOpening(TMessage const& first) {
     auto const* const version = dynamic_cast<VersionMsg const*>(&first);
     std::string complaint;
@@ -87,14 +87,14 @@ void Session::pause(std::chrono::milliseconds duration) {
     wait();
 }
 
-/// Runs the loop until what was started before has its outcome.
+/// Runs the loop until the operation that was started has its outcome.
 void Session::wait() {
     loop_.run();
     if (end_) { throw ExitError(*end_); }
 }
 
 void Session::end(ExitCode code, std::string const& text) {
-    // What comes first is the cause of the rest.
+    // The first failure is the cause of those that follow.
     if (!end_) { end_.emplace(code, text); }
     loop_.stop();
 }

@@ -20,12 +20,12 @@ namespace zorv {
 /// A connection to the daemon for a command that does one thing after the other.
 ///
 /// Each operation lasts until its outcome is there. It ends with an ExitError when the user interrupts it, when the
-/// connection is lost, or when the daemon sends what is no message.
+/// connection is lost, or when the daemon sends something that is not a message.
 class Session {
 public:
     explicit Session(DaemonAddress const& address);
 
-    /// The daemon's answer; a copy of the request with result "timeout" where none came in time.
+    /// Returns the daemon's answer, or a copy of the request with result "timeout" if none came in time.
     ///
     /// The answer is of the request's class, or the bare Confirmable by which a daemon rejects what it does not
     /// understand.

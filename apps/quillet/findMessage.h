@@ -11,7 +11,7 @@ struct TypeDescriptor;
 /// none.
 TypeDescriptor const& findMessage(std::string const& name);
 
-/// What the command line says to such a name: nothing where it is good.
+/// The complaint about a message name on the command line; empty if the name is good.
 std::string complaintAboutMessage(std::string const& name);
 
 } // namespace zorv

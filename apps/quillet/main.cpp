@@ -54,7 +54,7 @@ ExitCode run(Options const& options, zorv::Command& command) {
 } // namespace
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has seen enough ends the client quietly
+    std::signal(SIGPIPE, SIG_IGN); // the client ends quietly when the reader closes the output
     Options options;
     CLI::App app("Command-line client of a Z-Wave controller daemon", "quillet");
     addTo(app, options);
@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
     } catch (zorv::ExitError const& error) {
         if (*error.what() != '\0') { complain(error); }
         code = error.code();
-    } catch (std::exception const& error) { // the daemon sent what cannot be shown
+    } catch (std::exception const& error) { // the daemon sent something that cannot be shown
         complain(error);
         code = ExitCode::protocolError;
     }

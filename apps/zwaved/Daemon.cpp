@@ -43,7 +43,7 @@ void Daemon::welcome(TcpConnection connection) {
     tellVersion(bus_.attach(std::move(connection)));
 }
 
-/// What is wrong with a client's first message; empty where nothing is.
+/// The complaint about a client's first message; empty if the message is good.
 std::string Daemon::judgeOpening(TMessage const& first) {
     auto const* const version = dynamic_cast<VersionMsg const*>(&first);
     if (version == nullptr) { return first.name() + " instead of VersionMsg"; }

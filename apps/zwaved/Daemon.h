@@ -39,7 +39,7 @@ private:
     SimulatedNetwork network_;
     MessageBus bus_;
     std::uint64_t lastTimer_ = 0;
-    std::map<std::uint64_t, Timer> timers_; // of what the network has not come back with yet
+    std::map<std::uint64_t, Timer> timers_; // of the outcomes that the network has still to deliver
     TcpListener listener_;
 };
 

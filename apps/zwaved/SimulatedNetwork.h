@@ -22,20 +22,20 @@ struct NodeDescription {
     unsigned char id = 0; ///< 1 to 232
     NodeState state = NodeState::awake;
     unsigned int latencyMs = 20; ///< round trip, milliseconds
-    unsigned int jitterMs = 0;   ///< the round trip takes up to so much less or more, milliseconds
+    unsigned int jitterMs = 0;   ///< most by which the round trip deviates, either way, milliseconds
     double loss = 0;             ///< share of frames that are not acknowledged, 0 to 1
 };
 
 struct NetworkDescription {
     HomeId homeId = 0;
     unsigned char controller = 1;    ///< node id of the controller itself
-    std::uint32_t seed = 1;          ///< of all that is random in the network
+    std::uint32_t seed = 1;          ///< of everything random in the network
     unsigned int retransmitMs = 300; ///< how long the controller tries to reach a node that does not acknowledge
     std::vector<NodeDescription> nodes;
 };
 
-/// A Z-Wave network that is not there. The same description gives the same outcomes: those of one node depend only on
-/// the seed and on how often this node was asked before.
+/// A simulated Z-Wave network. The same description gives the same outcomes: those of one node depend only on the seed
+/// and on how often this node was asked before.
 class SimulatedNetwork {
 public:
     struct Outcome {

@@ -32,7 +32,8 @@ constexpr std::size_t mebibyte = 1024 * kibibyte;
 constexpr std::size_t mostBytes = 1024 * mebibyte; // that any limit may be
 constexpr std::size_t mostClients = 65536;
 
-/// For the buffers of all clients together: little beside what the machine has, and enough for a few long lines.
+/// The default bound for the buffers of all clients together: a small share of the memory, but enough for a few long
+/// lines.
 std::size_t defaultMemory() { return std::clamp(zorv::availableMemory() / 16, mebibyte, 24 * mebibyte); }
 
 struct Options {
@@ -90,7 +91,7 @@ void addTo(CLI::App& app, Options& options) {
 
 zorv::TcpLimits limitsFor(Options const& options, zorv::EventLoop& loop) {
     zorv::TcpLimits limits;
-    // No single client can want so much that all the others have to go.
+    // A single client cannot take so much that all the others are disconnected.
     limits.line = std::min(options.maxLine, options.maxMemory / 2);
     limits.backlog = std::min(options.maxBacklog, options.maxMemory / 2);
     limits.budget = std::make_shared<zorv::TcpBudget>(loop, options.maxMemory, options.maxClients);
@@ -111,7 +112,7 @@ void run(Options const& options) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
-    // Long lines go back to the system when they are done with, instead of leaving holes among small things.
+    // The memory of long lines goes back to the system, instead of fragmenting the heap.
     ::mallopt(M_MMAP_THRESHOLD, static_cast<int>(128 * kibibyte));
     Options options;
     CLI::App app("Reference daemon of a simulated Z-Wave network", "zwaved");

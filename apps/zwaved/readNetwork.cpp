@@ -34,7 +34,7 @@ std::string readText(std::string const& file) {
     return text.str();
 }
 
-/// Reads the members of one JSON object, and knows which of them the file may have.
+/// Reads the members of one JSON object and remembers which members there may be.
 class ObjectReader {
 public:
     ObjectReader(Json::Value const& object, std::string const& path, std::string const& file, std::string const& text)
@@ -102,7 +102,7 @@ public:
         return *member;
     }
 
-    /// To be called once all members have been asked for: one that nobody asked for is a slip of the pen.
+    /// To be called after all members were read: any other member is probably a typing error.
     void refuseOthers() const {
         for (auto const& key : object_.getMemberNames()) {
             if (known_.count(key) == 0) { fail(object_[key], key, "is not known here"); }

@@ -13,7 +13,7 @@ namespace zorv {
 /// "home.json:7: nodes[2].loss: expected a number from 0 to 1".
 NetworkDescription readNetwork(std::string const& file);
 
-/// The network of a daemon that was given none.
+/// The network of a daemon that is started without a network file.
 NetworkDescription builtInNetwork();
 
 } // namespace zorv

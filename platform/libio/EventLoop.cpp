@@ -34,7 +34,7 @@ struct Timer::Pending {
 Timer::Timer(EventLoop& loop, std::chrono::milliseconds delay, std::function<void()> work)
     : pending_(std::make_shared<Pending>(loop.context(), delay, std::move(work))) {
     pending_->timer.async_wait([pending = pending_](boost::system::error_code const& error) {
-        // A timer that is cancelled when its time has come already is told of no error.
+        // Asio reports no error for a timer that is cancelled after its time has come.
         if (error || !pending->work) { return; }
         auto const expired = std::exchange(pending->work, nullptr);
         expired();

@@ -14,9 +14,9 @@ class io_context;
 
 namespace zorv {
 
-/// Waits for sockets, timers and signals, and calls what was tied to them: all of it on the thread that runs the loop.
+/// Waits for sockets, timers and signals and calls their handlers, all on the thread that runs the loop.
 ///
-/// Whatever is tied to a loop has to go before the loop does.
+/// Objects that use a loop must be destroyed before the loop.
 class ZORV_EXPORT EventLoop {
 public:
     EventLoop();
@@ -25,13 +25,13 @@ public:
     EventLoop(EventLoop const&) = delete;
     EventLoop& operator=(EventLoop const&) = delete;
 
-    /// Works until stop() is called or nothing is left to wait for; may be called again.
+    /// Runs until stop() is called or nothing is left to wait for. May be called again.
     void run();
 
-    /// Ends run(), or else the next run(), without waiting for it; from any thread.
+    /// Ends run(), or the next run() if none is running. Does not wait. May be called from any thread.
     void stop();
 
-    /// Has `work` called by the thread that runs the loop, never by this call itself; from any thread.
+    /// Has the loop's thread call `work` later. May be called from any thread.
     void post(std::function<void()> work);
 
     boost::asio::io_context& context() noexcept { return *context_; }
@@ -40,7 +40,7 @@ private:
     std::unique_ptr<boost::asio::io_context> context_;
 };
 
-/// Calls its work once, when its time has come; not any more once it was cancelled, assigned or destroyed.
+/// Calls its work once, when its time has come, unless it is cancelled, assigned or destroyed before.
 class ZORV_EXPORT Timer {
 public:
     Timer() noexcept = default;

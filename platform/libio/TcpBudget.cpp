@@ -19,7 +19,7 @@ struct TcpBudget::Queue : std::enable_shared_from_this<TcpBudget::Queue> {
         waiting.pop_front();
         work();
         busy = !waiting.empty();
-        if (busy) { runLater(); } // behind all that has become ready meanwhile
+        if (busy) { runLater(); } // after everything that has become ready meanwhile
     }
 
     EventLoop& loop;
@@ -37,7 +37,7 @@ void TcpBudget::queueHeavyWork(std::function<void()> work) {
     if (!std::exchange(heavyWork_->busy, true)) { heavyWork_->runLater(); }
 }
 
-/// Makes room by ending the largest shares; false where that is the asking one itself.
+/// Makes room by evicting the largest shares; false if the asking share is itself the largest.
 bool TcpBudget::grow(Share& share, std::size_t bytes) {
     while (held_ - share.held_ + bytes > bytes_) {
         auto& most = largest(share, bytes);

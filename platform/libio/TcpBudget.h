@@ -13,25 +13,25 @@ namespace zorv {
 
 class EventLoop;
 
-/// What the connections that share it may take of this process together; belongs to the event loop's thread.
+/// Bounds the memory and the number of the connections that share it. Belongs to the event loop's thread.
 ///
-/// Where they want more memory than there is, the connection that holds most of it is ended, whoever asked: a peer that
+/// If they need more memory than that, the connection that holds most is ended, whichever of them asked. So a peer that
 /// takes little never pays for one that takes much.
 class ZORV_EXPORT TcpBudget {
 public:
     class Share;
 
-    /// At most so many bytes in buffers, and so many connections.
+    /// Allows so many bytes in buffers, and so many connections.
     TcpBudget(EventLoop& loop, std::size_t bytes, std::size_t connections);
     ~TcpBudget();
 
     TcpBudget(TcpBudget const&) = delete;
     TcpBudget& operator=(TcpBudget const&) = delete;
 
-    /// Whether there are as many connections as there may be.
+    /// Whether the limit of connections is reached.
     bool full() const noexcept { return shares_.size() >= connections_; }
 
-    /// Has `work` called by the loop: one piece at a time, with a whole turn for everybody else between two of them.
+    /// Has the loop call `work` later: one such piece per turn, so that everybody else gets a turn between two of them.
     void queueHeavyWork(std::function<void()> work);
 
 private:
@@ -58,7 +58,7 @@ public:
     Share(Share const&) = delete;
     Share& operator=(Share const&) = delete;
 
-    /// Holds `bytes` from now on, in place of what was held before; false where this is the share that has to go.
+    /// Sets how many bytes this share holds; false if this share has to be evicted for that.
     bool hold(std::size_t bytes);
 
 private:

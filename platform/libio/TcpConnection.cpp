@@ -29,8 +29,8 @@ using boost::system::error_code;
 constexpr std::size_t chunkSize = 16384;
 constexpr std::size_t keptCapacity = 65536; // a buffer that grew beyond this is given back after its line
 constexpr std::size_t blockSize = 65536;    // short lines leave together, up to so many bytes
-constexpr int linesPerTurn = 8;             // so many lines of one peer, then the others have their turn
-constexpr std::size_t heavyLine = 65536;    // from here on, a line takes so long that only one is handled per turn
+constexpr int linesPerTurn = 8;             // lines of one peer, before the others have their turn
+constexpr std::size_t heavyLine = 65536;    // of lines of this size or more, only one is handled per turn
 
 void clear(std::string& buffer) {
     if (buffer.capacity() > keptCapacity) {
@@ -74,7 +74,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
 
     // ---- memory
 
-    /// Does the work; where memory runs out, only this peer goes.
+    /// Does the work; if memory runs out, only this peer is disconnected.
     template <class Work> void guarded(Work const& work) noexcept {
         try {
             work();
@@ -84,7 +84,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         }
     }
 
-    /// Counts what this connection holds; false where that is too much, and then the connection has ended.
+    /// Counts what this connection holds; false if that is too much, and the connection has ended.
     bool hold(std::size_t lineCapacity) {
         if (state == State::closed) { return false; }
         if (share.hold(lineCapacity + waiting + occupied)) { return true; }
@@ -122,7 +122,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         }
     }
 
-    /// Nothing is read any more, but a peer that is gone altogether may still show as an error of the socket.
+    /// Reads nothing any more, but still notices by an error of the socket that the peer is gone.
     void watchForReset() {
         if (state == State::closed) { return; }
         socket.async_wait(tcp::socket::wait_error, [self = shared_from_this()](error_code const& error) {
@@ -170,7 +170,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         hold(partial.capacity());
     }
 
-    /// Lengthens the line that is being read; false where there is no memory for it, and the connection has ended.
+    /// Lengthens the line that is being read; false if there is no memory for it, and the connection has ended.
     bool append(std::string_view piece) {
         auto const size = partial.size() + piece.size();
         if (size > partial.capacity()) {
@@ -214,7 +214,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         }
         queued.back().append(line) += '\n';
         if (flushing) { return; }
-        // Not at once: the answers to all lines of one turn then leave in one write.
+        // Later, so that the answers to all lines of one turn leave in one write.
         flushing = true;
         boost::asio::post(socket.get_executor(),
                           [self = shared_from_this()] { self->guarded([&] { self->flush(); }); });
@@ -250,7 +250,8 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         if (state != State::open) { return; }
         state = State::finishing;
         reason = theReason;
-        // Closing at once would reset the connection while the peer still sends, and it would lose what tells it why.
+        // Closing at once would reset the connection while the peer still sends, and the peer would not receive the
+        // reason.
         farewell.expires_after(limits.farewell);
         farewell.async_wait([self = shared_from_this()](error_code const& error) {
             if (!error) { self->end(self->reason); }
@@ -288,7 +289,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
     Handlers handlers;
     State state = State::open;
     std::string reason;      // why a connection that is finishing ends
-    bool abandoned = false;  // nobody wants to hear of this connection any more
+    bool abandoned = false;  // no handler is called any more
     bool inputEnded = false; // the peer sends nothing any more
     bool flushing = false;   // `writing` is on its way or will be soon
     std::array<char, chunkSize> chunk{};

@@ -25,10 +25,10 @@ struct TcpLimits {
     std::size_t line = std::size_t{16} << 20U;    ///< longest line that is read, without its end, bytes
     std::size_t backlog = std::size_t{16} << 20U; ///< most that may wait to be sent to a peer that does not read, bytes
 
-    /// How long a peer that is to go may still read what waits for it.
+    /// How long a peer that is being disconnected may still read what is queued for it.
     std::chrono::milliseconds farewell = std::chrono::seconds(10);
 
-    /// Bounds all connections that share it; none: there is no bound over all.
+    /// Bounds all connections that share it; without one, there is no common bound.
     std::shared_ptr<TcpBudget> budget;
 };
 
@@ -72,10 +72,10 @@ public:
     /// Queues one line, given without its end; nothing happens on a connection that has ended.
     void send(std::string const& line);
 
-    /// The longest line that can be sent: a longer one would pass the line limit, or the backlog limit by itself.
+    /// The longest line that the line limit and the backlog limit allow to send.
     std::size_t longestLine() const noexcept;
 
-    /// Counts memory that is kept elsewhere for this peer as the peer's, in place of what was counted so before.
+    /// Sets how many bytes are kept elsewhere for this peer; they count as the peer's.
     void occupy(std::size_t bytes);
 
     /// Ends the connection at once.

@@ -77,8 +77,8 @@ struct TcpListener::Impl : std::enable_shared_from_this<TcpListener::Impl> {
                error == boost::system::errc::too_many_files_open_in_system;
     }
 
-    /// Takes the first connection that waits, by the descriptor that is kept for this, and closes it: it would wait
-    /// for ever otherwise, and be reported again and again. False where that is not possible.
+    /// Accepts the first waiting connection with the spare descriptor, and closes it. Otherwise it would wait for ever
+    /// and be reported again and again. False if that fails.
     bool dropNewcomer() {
         if (spare < 0) { return false; }
         ::close(spare);
@@ -122,7 +122,7 @@ struct TcpListener::Impl : std::enable_shared_from_this<TcpListener::Impl> {
     TcpLimits limits;
     Accepted accepted;
     std::size_t refused = 0; // connections of the series that is going on
-    int spare = openSpare(); // a descriptor to do with when there are no others
+    int spare = openSpare(); // a descriptor in reserve, for when there are no others
     bool closed = false;
 };
 

@@ -29,7 +29,7 @@ public:
           socket_(loop.context()) {}
 
     void start(std::string const& host, unsigned short port, std::chrono::milliseconds timeout) {
-        // What is under way keeps this object; a timer of its own that kept it too would make a circle.
+        // Pending operations own this object. If its own timer owned it too, that would be a cycle.
         timer_ = Timer(loop_, timeout, [weak = weak_from_this()] {
             if (auto const self = weak.lock()) { self->fail("timed out"); }
         });

@@ -13,7 +13,7 @@ public:
 
     Allowance(double atOnce, double perSecond) noexcept : most_(atOnce), perSecond_(perSecond), left_(atOnce) {}
 
-    /// Whether it may happen now; then it has happened.
+    /// Whether it may happen now; if so, it is counted.
     bool take(Clock::time_point now) noexcept {
         if (last_ != Clock::time_point()) {
             auto const seconds = std::chrono::duration<double>(now - last_).count();

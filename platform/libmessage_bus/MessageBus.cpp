@@ -24,8 +24,8 @@ namespace {
 constexpr std::size_t shownTraffic = 1000; // of each line, in bytes
 constexpr std::size_t requestBytes = 1024; // what a request costs beside its own text, about
 
-/// Whether a message was written with its header: without one on the wire, nothing can be linked to it, nor it to what
-/// it answers.
+/// Whether a message was written with its header. Without one, no answer can be linked to it, and it cannot be linked
+/// to the request that it answers.
 bool carriesHeader(TMessage const& message, std::string const& text) {
     return text.find(boost::uuids::to_string(message.id())) != std::string::npos;
 }
@@ -38,8 +38,8 @@ boost::shared_ptr<TConfirmable> makeResponse(TConfirmable const& request, TResul
     return response;
 }
 
-/// The answer to a peer's request that has nothing of what the peer sent but the identity: a copy could be larger than
-/// the request, and a peer that reads nothing would make this process keep it.
+/// An answer to a peer's request that repeats only its identity. A copy could be larger than the request, and this
+/// process would have to keep it for a peer that does not read.
 boost::shared_ptr<TConfirmable> makeEmptyResponse(TConfirmable const& request, TResult::Enum result) {
     auto const serialName = StackTrace::demangle(typeid(request).name());
     auto response =
@@ -119,7 +119,7 @@ void MessageBus::closed(PeerId peer, std::string const& reason) {
     finishAll(peer);
 }
 
-/// Logs what a peer did wrong, but not so often that the log becomes a weapon.
+/// Logs what a peer did wrong, at a bounded rate: a peer cannot flood the log.
 void MessageBus::complain(PeerId of, std::string const& text) {
     auto& peer = peers_.at(of);
     auto const now = Allowance::Clock::now();
@@ -182,7 +182,7 @@ void MessageBus::dispatch(PeerId from, MessagePtr const& message, std::size_t by
     if (handled && !handler->second.answers) {
         call(handler->second, from, message);
     } else if (!isRequest) {
-        // An answer is never answered: two processes would do so to each other for ever.
+        // An answer is never answered: two processes would answer each other for ever.
         complain(from, "nobody waits for " + message->name() + " from ");
     } else if (handled) {
         dispatchRequest(from, handler->second, confirmable, bytes);
@@ -218,7 +218,7 @@ bool MessageBus::call(ClassHandler const& handler, PeerId from, MessagePtr const
     }
 }
 
-/// Ends the wait of the request that the message answers; false where it answers none.
+/// Ends the wait of the request that the message answers; false if it answers none.
 bool MessageBus::settle(PeerId from, ConfirmablePtr const& answer) {
     if (answer->correlation().is_nil()) { return settleByClass(from, answer); }
     Key const key(from, answer->correlation());
@@ -334,7 +334,7 @@ void MessageBus::finish(Key const& key, TResult::Enum result) {
 }
 
 void MessageBus::finishAll(PeerId peer) {
-    std::vector<Key> keys; // what is told of one may ask for the next
+    std::vector<Key> keys; // copied, because a handler may send another request
     for (auto it = pending_.lower_bound({peer, boost::uuids::nil_uuid()});
          it != pending_.end() && it->first.first == peer; ++it) {
         keys.push_back(it->first);

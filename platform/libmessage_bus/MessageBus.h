@@ -32,8 +32,8 @@ enum class PeerId : std::uint64_t {};
 /// Which way an observed message travelled, as seen from this process.
 enum class Direction { received, sent };
 
-/// Carries messages between this process and its connected peers: answers to who asked, events to who subscribed,
-/// copies to who observes. All of it belongs to the event loop's thread.
+/// Carries messages between this process and its connected peers: answers to the peers that asked, events to those that
+/// subscribed, copies to those that observe. It belongs to the event loop's thread.
 ///
 /// Every message that arrives gets the peer's address as its source. A message that answers a request of this process
 /// goes to the request's own handler, any other one to the handler of its class. A confirmable message that has no
@@ -47,11 +47,11 @@ public:
     using ConfirmablePtr = boost::shared_ptr<TConfirmable>;
 
     struct Handlers {
-        /// Judges the first message of a peer, before anything else of it is looked at: a complaint, or an empty text.
+        /// Judges the first message of a peer before any other is handled. Returns a complaint, or an empty text.
         /// Without this handler, peers need not open their connections.
         std::function<std::string(PeerId from, TMessage const& first)> opening;
 
-        /// A line that is no message arrived, or an over-long one, or a first message that was complained of.
+        /// A line arrived that is not a message, or is too long; or a first message was refused.
         std::function<void(PeerId from, BadMessageError const& error)> badLine;
 
         /// A peer sends nothing any more. It may still read, and gets the answers to its requests before it goes.
@@ -64,7 +64,7 @@ public:
     /// Most requests of one peer that may wait for their answers.
     static constexpr std::size_t unansweredLimit = 1000;
 
-    /// Most late answers that are known as such.
+    /// Most requests that are remembered after their deadline, so that a late answer is recognised.
     static constexpr std::size_t expiredLimit = 1024;
 
     /// A peer whose bad lines exceed so many at once, and one more in each second, is disconnected.

@@ -7,7 +7,7 @@
 
 namespace zorv {
 
-/// An error whose text is fixed, and which knows apart from it where in the text it was found.
+/// An error with a fixed text, which also knows the place of the bad value.
 class ZORV_EXPORT PlacedError {
 public:
     /// The way from the root to the bad value, such as "devices_[2]"; empty for the root, and where it is not known.

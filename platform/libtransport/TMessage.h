@@ -16,12 +16,12 @@ namespace zorv {
 
 struct TypeDescriptor;
 
-/// Base of every message: its header, which says which message it is, since when, from whom and in answer to what.
+/// Base of every message: its header, with identity, time, priority, source, role and correlation.
 class ZORV_EXPORT TMessage : public Serializable, public Message, public CliViewer {
 public:
     using Endpoint = TcpEndpoint;
 
-    /// A message of its own: with a fresh identity, made now, of normal priority and without a role.
+    /// A new message: with a fresh identity and the present time, of normal priority, without a role.
     TMessage();
 
     /// Writes the header as the innermost frame, the one whose bases array is empty.

@@ -19,8 +19,8 @@ namespace {
 
 constexpr std::size_t pageSize = 4096;
 
-/// Tells the generators of a process from those that it inherited. A page of its own, which the kernel clears in the
-/// child of a fork.
+/// Distinguishes the generators of a process from those that it inherited: the kernel clears this page in the child of
+/// a fork.
 struct alignas(pageSize) ForkMark {
     std::atomic<unsigned int> generation;
 };

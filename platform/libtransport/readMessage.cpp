@@ -25,13 +25,13 @@ std::string toLogText(std::string const& complaint) {
     return printable(std::string_view(complaint).substr(0, std::min(complaint.find('\n'), longestComplaint)));
 }
 
-/// Where in the text an error was found, of those that do not say it in their own text.
+/// The place of an error whose own text does not name it.
 std::string placeOf(std::exception const& error) {
     auto const* const placed = dynamic_cast<PlacedError const*>(&error);
     return placed == nullptr || placed->place().empty() ? "" : placed->place() + ": ";
 }
 
-/// Makes a header that has nothing of the message but its identity.
+/// Makes a header that has only the identity of the message.
 boost::shared_ptr<TMessage const> makeHeader(boost::uuids::uuid const& id) {
     Serializer writer;
     writer << opencurly << "id_" << colon << id << closecurly;
@@ -41,7 +41,7 @@ boost::shared_ptr<TMessage const> makeHeader(boost::uuids::uuid const& id) {
     return header;
 }
 
-/// Finds the identity in the innermost of the frames, even though some member elsewhere is bad.
+/// Finds the identity in the innermost of the frames, even if another member is bad.
 boost::shared_ptr<TMessage const> readHeader(Serializer& s) {
     try {
         s.rewind();
@@ -57,7 +57,7 @@ boost::shared_ptr<TMessage const> readHeader(Serializer& s) {
             s.element(0);
         }
     } catch (std::exception const&) {
-        // Not even this much can be read.
+        // Even the identity cannot be read.
     }
     return nullptr;
 }

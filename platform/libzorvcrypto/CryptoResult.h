@@ -9,7 +9,7 @@
 
 namespace zorv::crypto {
 
-/// Bytes that an operation made, or its failure. No bytes at all are a result as good as any other.
+/// The bytes that an operation made, or its failure. An empty result is not a failure.
 class ZORV_EXPORT CryptoResult {
 public:
     /// A failure.

@@ -10,7 +10,7 @@
 
 namespace zorv::crypto {
 
-/// The bytes of a base64 text of `length` characters; the empty text has none, which is no failure.
+/// The bytes of a base64 text of `length` characters. The empty text gives no bytes, which is not a failure.
 ///
 /// Takes exactly the texts that base64Encode writes without lines: any other character, a length that is no multiple of
 /// four, padding that is missing or misplaced, and bits that belong to no byte are failures. Never throws: `error` is

@@ -29,8 +29,8 @@ log4cplus::LogLevel toLog4cplus(LogLevel level) {
     return log4cplus::ERROR_LOG_LEVEL;
 }
 
-/// A console whose setting up has not come to its end; whoever logs next goes on with it. It cannot be destroyed: an
-/// appender's destructor logs, and ends the process where no memory is left for that.
+/// A console whose setup was interrupted; the next call that logs completes it. It is never destroyed: an appender's
+/// destructor logs, and ends the process if no memory is left for that.
 NonBlockingConsole* unfinished = nullptr;
 
 class Log {
@@ -46,12 +46,13 @@ public:
         console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%d{%Y-%m-%dT%H:%M:%S.%qZ} %p %m%n")); // UTC
         consoleThreshold(LogLevel::warn);
         root.addAppender(console_);
-        // log4cplus starts four threads for asynchronous appenders as it is loaded. Here is none: it keeps one of them.
+        // log4cplus starts four threads for asynchronous appenders as it is loaded. There is no such appender here: one
+        // thread stays.
         log4cplus::setThreadPoolSize(0);
         std::exchange(unfinished, nullptr)->removeReference();
     }
 
-    // The console's code goes with this library; log4cplus may stay.
+    // The console's code is unloaded with this library, and log4cplus may stay loaded.
     ~Log() {
         if (console_) { log4cplus::Logger::getRoot().removeAppender(console_); }
     }
@@ -81,8 +82,8 @@ private:
 };
 
 Log& theLog() {
-    // log4cplus has to be up before the first logger is asked for, and is left running at exit: destructors of other
-    // libraries may still have something to say.
+    // log4cplus must be initialised before the first logger is requested. It keeps running at exit, because destructors
+    // of other libraries may still log.
     static std::once_flag up;
     std::call_once(up, [] { log4cplus::initialize(); });
     static Log log;

@@ -23,7 +23,7 @@ public:
     /// Sets the lowest level that the appender made by initialize() shows; appenders of the application are not touched.
     static void consoleThreshold(LogLevel level);
 
-    /// Whether some appender may show the level: what costs much to word is worded only then.
+    /// Whether some appender may show the level. Callers ask before they build a costly text.
     static bool enabled(LogLevel level);
 
     /// Writes `text` as one event that carries `where` as its source location; control characters as printableLines() says.

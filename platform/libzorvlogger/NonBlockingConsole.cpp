@@ -23,13 +23,13 @@ void NonBlockingConsole::append(log4cplus::spi::InternalLoggingEvent const& even
     dropped_ = write(os.str()) ? 0 : 1;
 }
 
-/// False where the text would have to wait.
+/// Writes the text; false if that would block.
 bool NonBlockingConsole::write(std::string text) const {
     if (text.size() > PIPE_BUF) {
         text.resize(PIPE_BUF - 1);
         text += '\n';
     }
-    // A pipe that is ready takes so much in one piece without waiting.
+    // A pipe that is ready takes this much in one piece without blocking.
     pollfd ready{descriptor_, POLLOUT, 0};
     if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0) { return false; }
     return ::write(descriptor_, text.data(), text.size()) >= 0;

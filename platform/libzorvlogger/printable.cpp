@@ -9,7 +9,7 @@ namespace {
 
 using CodePoint = boost::locale::utf::code_point;
 
-/// Steps over one character of UTF-8; over one byte, and `illegal`, where there is none.
+/// Steps over one character of UTF-8, or over one byte, with `illegal`, if the bytes are not UTF-8.
 CodePoint nextCodePoint(char const*& at, char const* end) {
     char const* const start = at;
     auto const codePoint = boost::locale::utf::utf_traits<char>::decode(at, end);

@@ -8,8 +8,8 @@
 
 namespace zorv {
 
-// Names and texts that come from a file or a peer may hold what steers a terminal or begins a line of the log. These
-// show it instead. A backslash stays as it is, so what was shown once is not changed again.
+// Texts from a file or a peer may contain control characters that steer a terminal or forge a line of the log. These
+// functions show them in hex. A backslash stays as it is, so a text that was shown once is not changed again.
 
 /// The text with its control characters and the bytes that are not UTF-8 as hex: `\x1b[31m`, `\xc2\x9b`, `\xff`.
 ///

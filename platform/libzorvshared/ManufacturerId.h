@@ -8,7 +8,7 @@ namespace zorv {
 
 /// Who made a device.
 ///
-/// The set is open: all but the own identifier are their four hex digits.
+/// The set is open: every value but our own is written as its four hex digits.
 namespace ManufacturerId {
 
 enum Enum : int { unknown = 0x0000, zorv = 0x023F };

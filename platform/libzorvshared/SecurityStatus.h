@@ -6,7 +6,7 @@
 
 namespace zorv {
 
-/// With which security a node was included; of a network, the best that its controller offers.
+/// The security with which a node was included. For a network: the best that its controller offers.
 namespace SecurityStatus {
 
 enum Enum : int {

@@ -17,8 +17,8 @@ ZORV_ENUM_DECLARE_HEX(QUILLET_EXPORT)
 
 } // namespace AddRemoveOp
 
-/// Asks the daemon to include or exclude a node, or to give that up. A client sends it; the answer carries the node that
-/// came or went.
+/// Asks the daemon to include or exclude a node, or to abort that. A client sends it; the answer carries the node that
+/// was included or excluded.
 class QUILLET_EXPORT AddRemoveNodeMsg : public MessageOf<AddRemoveNodeMsg, Confirmable> {
 public:
     static std::string const NAME;
@@ -55,7 +55,7 @@ private:
     struct Wire;
 
     AddRemoveOp::Enum operation_ = AddRemoveOp::invalid;
-    bool abort_ = false; // whether the operation that runs is to be given up
+    bool abort_ = false; // whether to abort the operation that runs
     bool primary_ = false;
     int timeout_ = 0; // in the daemon's unit
     boost::shared_ptr<Device> device_;

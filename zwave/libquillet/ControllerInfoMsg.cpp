@@ -119,7 +119,7 @@ namespace {
 std::string formatUptime(double uptime) {
     double whole = 0;
     double const fraction = std::modf(std::isfinite(uptime) ? uptime : 0, &whole);
-    // A time that no int holds, which only a peer can send, stays at the longest that one does.
+    // A time beyond the range of int, which only a peer can send, is shown as the longest in that range.
     using Limits = std::numeric_limits<int>;
     auto const seconds = static_cast<int>(std::clamp<double>(whole, Limits::min(), Limits::max()));
     std::ostringstream os;

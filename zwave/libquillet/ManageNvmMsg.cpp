@@ -37,14 +37,14 @@ namespace {
 
 using Texts = std::initializer_list<std::string_view>;
 
-/// The blob's lines carry the message's name as well, since both are one module to whoever filters the log.
+/// The blob's lines carry the message's name as well: for filters of the log, both are one module.
 void log(LogLevel level, char const* function, Texts texts, unsigned int line = __builtin_LINE()) {
     auto event = std::string("ManageNvmMsg::") + function + ": ";
     for (auto const text : texts) { event += text; }
     Logger::log(level, event, boost::source_location("zwave/libquillet/ManageNvmMsg", line, function));
 }
 
-/// Logs where memory allows; what is reported is a result as well.
+/// Logs if memory allows. The result of the operation tells the failure in any case.
 void report(LogLevel level, char const* function, Texts texts, unsigned int line = __builtin_LINE()) noexcept {
     try {
         log(level, function, texts, line);
@@ -158,12 +158,12 @@ bool ManageNvmMsg::checkBlobs() const {
 
 namespace {
 
-/// The text of a file, its lines joined without their line feeds; never as a whole, since the parser makes copies enough.
+/// The text of a file, with its lines joined. It is read in blocks, because the parser makes copies of its own.
 ///
 /// The text ends early where the file is more than may be parsed.
 class JoinedLines : public std::streambuf {
 public:
-    // Opening a FIFO would wait for its writer. Once it is open, reading is to wait for a writer that there is.
+    // Without O_NONBLOCK, opening a FIFO waits for a writer. Reading then waits for the writer, if there is one.
     explicit JoinedLines(std::string const& path) noexcept
         : fd_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {
         if (isOpen()) { ::fcntl(fd_, F_SETFL, ::fcntl(fd_, F_GETFL) & ~O_NONBLOCK); }
@@ -181,7 +181,7 @@ public:
         return bytes_ > ManageNvmMsg::MAX_FILE_BYTES || values_ > ManageNvmMsg::MAX_FILE_VALUES;
     }
 
-    /// Whether reading stopped before the end of the file, be it that the parser had no memory for the rest.
+    /// Whether reading stopped before the end of the file; also true if the parser ran out of memory.
     bool failed() const noexcept { return !atEnd_ && !isTooMuch(); }
 
 protected:
@@ -204,8 +204,8 @@ protected:
     }
 
 private:
-    /// Every value of a text but its root stands behind one of these, or behind a key that does. They count in strings
-    /// as well: telling strings from comments is the parser's business, and base64 has none of them.
+    /// Every value of a text but its root follows one of these, or a key that does. They count in strings as well: only
+    /// the parser can tell strings from comments, and base64 has none of them.
     static bool precedesValue(char c) noexcept { return c == ',' || c == '[' || c == '{'; }
 
     int fd_;
@@ -223,7 +223,7 @@ Json::Value parse(JoinedLines& lines) {
     } catch (std::exception const&) {
         if (!lines.failed() && !lines.isTooMuch()) {
             throw;
-        } // else the text broke off: that it is no JSON is not its fault
+        } // else the text ended early, and the parser's complaint says nothing about the file
     }
     return root;
 }
@@ -233,7 +233,7 @@ bool isBlob(Json::Value const& value) {
     return value.isObject() && std::all_of(keys.begin(), keys.end(), [&](auto* key) { return value.isMember(key); });
 }
 
-/// Whether there is a file of any type; a status that cannot be told is none.
+/// Whether there is a file of any type; false if its status cannot be read.
 bool exists(std::string const& file) noexcept {
     try {
         boost::system::error_code error;

@@ -75,7 +75,7 @@ boost::shared_ptr<NodeInformationMsg> NodeInformationMsg::create(boost::shared_p
 
 namespace {
 
-/// In decimal, as people speak of nodes; a byte's cell would be two hex digits.
+/// In decimal, as node ids are written; a byte would be shown as two hex digits.
 unsigned int nodeId(Device const& device) { return device.address().nodeId(); }
 
 std::string power(Device const& device) {

@@ -22,7 +22,7 @@ public:
     /// An observed message, with result "success".
     static boost::shared_ptr<ObserveMsg> create(ObserveDirection::Enum direction,
                                                 boost::shared_ptr<TMessage> const& message);
-    /// The wish to observe, with the action "start".
+    /// A request to observe, with the action "start".
     static boost::shared_ptr<ObserveMsg> create(ZResult::Enum result);
     /// The answer to `request`, which must not be empty.
     static boost::shared_ptr<ObserveMsg> create(boost::shared_ptr<TMessage> const& request, ZResult::Enum result);

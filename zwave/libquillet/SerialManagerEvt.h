@@ -33,7 +33,7 @@ public:
     SerialManagerEvt(SerialManagerStatus::Enum status, unsigned int percentComplete)
         : status_(status), percentComplete_(percentComplete) {}
 
-    /// The event that `cause`, the message which started the operation, has led to.
+    /// The event of an operation that the message `cause` started.
     static boost::shared_ptr<SerialManagerEvt> create(TMessage const& cause, SerialManagerStatus::Enum status,
                                                       unsigned int percentComplete);
 

@@ -40,7 +40,7 @@ boost::shared_ptr<VersionMsg> VersionMsg::create(boost::shared_ptr<VersionMsg> c
     return respondWithNew<VersionMsg>(asked, requireProtocol(protocol)); // the result stays at its default
 }
 
-// No bases array here, and none is read: that is what lets any two versions of the header talk.
+// No bases array is written or read, so that peers with different versions of the header understand each other.
 void VersionMsg::serialInserter(Serializer& s) const {
     s << opencurly << noescape << Serializer::name << colon << serialName();
     s << comma << noescape << Wire::protocolVersion.key.data() << colon << protocolVersion_ << closecurly;
@@ -50,7 +50,7 @@ void VersionMsg::serialExtract(Serializer& s) {
     std::string className;
     s >> "__name__" >> colon >> className >> comma;
     s >> Wire::protocolVersion.key.data() >> colon >> protocolVersion_;
-    // No `finished`: whoever selected the object takes it off the reader's stack.
+    // No `finished` here: the caller that selected the object ends the selection.
 }
 
 void VersionMsg::print(std::ostream& os) const {

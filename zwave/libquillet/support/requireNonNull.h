@@ -7,7 +7,7 @@
 
 namespace zorv {
 
-/// What the pointer points to; a NullPointerError with the text `complaint` where it is empty.
+/// The object that the pointer points to; a NullPointerError with the text `complaint` if it is empty.
 template <class T> T& requireNonNull(boost::shared_ptr<T> const& pointer, char const* complaint) {
     if (!pointer) { throw NullPointerError(complaint); }
     return *pointer;
