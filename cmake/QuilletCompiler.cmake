@@ -15,7 +15,7 @@ if(QUILLET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${QUILLET_CCACHE}")
 endif()
 
-# The targets of this project link to this; it is not installed and binds no consumer.
+# All targets of this project link to this. It is not installed, so it does not bind consumers.
 add_library(quillet_build_options INTERFACE)
 
 # A GNU-unique symbol pins its library in memory: libquillet.so must leave the process on dlclose.

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# find_package(quillet) and pkg-config for whoever builds against an installed tree.
+# find_package(quillet) and pkg-config, for builds against an installed tree.
 
 include(CMakePackageConfigHelpers)
 
@@ -14,10 +14,10 @@ install(FILES "${PROJECT_BINARY_DIR}/quilletConfig.cmake" "${PROJECT_BINARY_DIR}
     DESTINATION "${quillet_package_dir}"
     COMPONENT Development)
 
-# The prefix in the file is worked out from the file's own place, so an installed tree can be moved.
+# The prefix is computed from the place of the file itself, so an installed tree can be moved.
 file(RELATIVE_PATH quillet_prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
-# The catalogue registers its messages as it is loaded: the linker must keep it, also where the program calls nothing
-# of it. Of the others it keeps what the program needs.
+# The catalogue registers its messages as it is loaded. So the linker must keep it, even if the program calls nothing of
+# it. Of the other libraries, the linker keeps what the program needs.
 set(quillet_pc_libs "-Wl,--push-state,--no-as-needed -lquillet -Wl,--pop-state")
 foreach(library IN ITEMS message_bus io zwaved zorvshared transport zorvcrypto zorvlogger)
     string(APPEND quillet_pc_libs " -l${library}")

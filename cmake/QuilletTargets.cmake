@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# One function per kind of target, so that a folder's CMakeLists.txt only says what is its own.
+# One function per kind of target, so that a folder's CMakeLists.txt is short.
 
 include(GoogleTest)
 
@@ -38,7 +38,7 @@ function(quillet_library name)
             PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:quillet_build_options>)
         target_link_options(${target} PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
         set_property(GLOBAL APPEND PROPERTY quillet_libraries ${target})
-        # Without this a library that forgot a dependency is only found out by the program that loads it.
+        # Without this, a missing dependency of a library shows only in the program that loads it.
         if(NOT QUILLET_SANITIZE)
             target_link_options(${target} PRIVATE LINKER:--no-undefined)
         endif()
@@ -52,11 +52,12 @@ function(quillet_library name)
     set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
     add_library(quillet::${name} ALIAS ${target})
 
-    # Every header of the folder, but those that only the library's own sources may include: *Impl.h, and libtransport's
-    # json/, which reads and checks texts.
+    # Every header of the folder, except those that only the library's own sources include: *Impl.h, and libtransport's
+    # json/.
     quillet_find_sources(headers "*.h")
     list(FILTER headers EXCLUDE REGEX "Impl\\.h$|/libtransport/json/")
-    target_sources(${target} ${scope} FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${headers} ${arg_HEADERS})
+    target_sources(${target} ${scope}
+        FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${headers} ${arg_HEADERS})
 
     install(TARGETS ${target} EXPORT quilletTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
@@ -65,8 +66,8 @@ endfunction()
 
 # quillet_always_loaded(<name>)
 #
-# A program that only reads names by their text and calls nothing of the library keeps it all the same, also where the
-# linker drops what a program does not call (--as-needed).
+# Keeps the library in programs that call nothing of it, also if the linker drops uncalled libraries (--as-needed). Such
+# a program finds the library's classes by their names.
 function(quillet_always_loaded name)
     target_link_options(${name} INTERFACE
         "$<BUILD_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:${name}>,--pop-state>"
@@ -81,7 +82,7 @@ function(quillet_program name)
     quillet_find_sources(sources "*.cpp")
     set(target quillet-program-${name})
     add_executable(${target} ${sources})
-    # An installed program finds its libraries wherever the prefix is moved to.
+    # An installed program finds its libraries even if the prefix is moved.
     file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
     # ENABLE_EXPORTS lets a stack trace name the program's own functions.
     set_target_properties(${target} PROPERTIES
@@ -104,9 +105,8 @@ endfunction()
 
 # quillet_tests(<folder> <target>...)
 #
-# Every <folder>/**/*.test.cpp as the program <folder>-tests, linked to the given targets; each TEST in it is a ctest test
-# with the folder's name as its label. One executable per folder, because on a small machine linking, not compiling,
-# is what many small ones cost.
+# Every <folder>/**/*.test.cpp as the program <folder>-tests, linked to the given targets; each TEST in it is a ctest
+# test with the folder's name as its label. There is one program per folder, because linking many small ones takes long.
 function(quillet_tests folder)
     quillet_find_sources(sources "${folder}/*.cpp")
     if(NOT sources)

@@ -92,7 +92,7 @@ void collect(std::map<std::string, TypeDescriptor>& types, TypeDescriptor const&
              std::vector<TypeDescriptor::Kind> const& kinds) {
     if (std::find(kinds.begin(), kinds.end(), type.kind) != kinds.end()) { types.emplace(type.name, type); }
     for (auto const& member : type.members) { collect(types, member.type, kinds); }
-    if (type.kind == TypeDescriptor::Kind::flagSet) { return; } // its field is told with it
+    if (type.kind == TypeDescriptor::Kind::flagSet) { return; } // its field is described with it
     for (auto const& element : type.elements) { collect(types, element, kinds); }
 }
 

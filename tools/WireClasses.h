@@ -21,8 +21,8 @@ struct WireClass {
 
 /// All classes, by serial name.
 ///
-/// What is registered says which classes there are, and what a default object writes says how they are framed, so that
-/// neither can be forgotten or told wrong here. A member that nothing describes is a std::logic_error.
+/// The classes come from the registry, and their frames from what a default object writes, so nothing is listed here by
+/// hand. A member without a description is a std::logic_error.
 std::map<std::string, WireClass> wireClasses();
 
 /// The registered classes that are, or derive from, the class of that name.

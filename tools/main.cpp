@@ -7,7 +7,7 @@
 #include <iostream>
 #include <string>
 
-// scripts/reference runs this; it tells what goes where.
+// scripts/reference runs this and chooses the output files.
 int main(int argc, char** argv) {
     std::string const what = argc > 1 ? argv[1] : "";
     try {

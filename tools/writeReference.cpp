@@ -133,7 +133,7 @@ void writeEnum(std::ostream& os, TypeDescriptor const& type) {
     for (auto const& field : type.elements) { writeTexts(field); }
 }
 
-/// What a text that cannot be read is refused with.
+/// The error of reading a text.
 std::string refusal(std::string const& text) {
     try {
         readSerializable(text);

@@ -9,7 +9,7 @@ namespace zorv {
 
 /// Writes the JSON Schema (draft 2020-12) of all that the library writes.
 ///
-/// Readers take more: keys in any order, absent and unknown ones.
+/// Readers accept more: keys in any order, absent keys and unknown keys.
 void writeSchema(std::ostream& os, std::map<std::string, WireClass> const& classes);
 
 } // namespace zorv

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reads a message without naming its class, and so calls nothing of the catalogue.
+// Reads a message without naming its class, so it calls nothing of the catalogue.
 
 #include "platform/libtransport/Message.h"
 #include "platform/libtransport/Serializable.h"

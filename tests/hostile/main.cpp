@@ -37,7 +37,7 @@ struct Options {
     std::string only;
 };
 
-/// What one hostile peer does, over and over again, with a new connection each time that the daemon ended the last one.
+/// What one hostile peer does, over and over again, with a new connection each time the daemon has closed the last one.
 struct Attack {
     std::string name;
     std::function<void(unsigned short port, std::function<bool()> const& goOn)> run;
@@ -132,7 +132,7 @@ struct Outcome {
     std::string failure; ///< of the well-behaved client or of the daemon
 };
 
-/// Asks and waits for each answer as long as it is told to go on.
+/// Sends requests and waits for each answer, as long as `goOn` says so.
 void behaveWell(OpenClient& client, std::function<bool()> const& goOn, Outcome& outcome) {
     auto const ping = pingLine(1);
     for (int more = 10; goOn() || more-- > 0;) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What happens where memory runs out. The program's own operator new refuses large allocations while a test says so,
-// also those of the libraries; so these tests have a program of their own.
+// What happens when memory runs out. The program replaces operator new, for the libraries too, to refuse allocations
+// during a test; so these tests are a separate program.
 
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
@@ -56,7 +56,7 @@ bool isGranted(std::size_t size) {
 
 } // namespace
 
-// Out of line: where a compiler sees one of a pair and not the other, it takes them for a mismatch.
+// Out of line: a compiler that sees only one of new and delete warns of a mismatch.
 [[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
     return isGranted(size) ? std::malloc(size > 0 ? size : 1) : nullptr;
 }
@@ -219,7 +219,7 @@ TEST(OutOfMemory, OfTheWholeProcessIsAResultOfReadingABackup) {
     // A thread of the log may have left an arena of 64 MiB, which the allocator falls back to; the tree needs 100.
     EXPECT_EQ(readIn(8),
               std::string("noBlobs WARN ManageNvmMsg::read: cannot parse object, ") + std::bad_alloc().what());
-    EXPECT_EQ(readIn(1024), "noBlobs"); // there are none
+    EXPECT_EQ(readIn(1024), "noBlobs"); // the file has no blobs
 }
 
 #endif

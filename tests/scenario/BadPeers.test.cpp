@@ -90,12 +90,12 @@ TEST(BadPeers, OnesThatVanishBeforeTheirAnswersHarmNobody) {
         ASSERT_TRUE(vanishing.sendLine(pingLine(1)));
         vanishing.reset();
     }
-    ASSERT_TRUE(good.sendLine(pingLine(6))); // answered after all of those would have been
+    ASSERT_TRUE(good.sendLine(pingLine(6))); // its answer comes after all of theirs
     EXPECT_EQ(good.receive()->name(), "PingMsg");
     expectService(good);
 }
 
-TEST(BadPeers, OneThatHoldsMostOfTheMemoryGoesBeforeThoseThatTakeLittle) {
+TEST(BadPeers, OneThatHoldsMostOfTheMemoryIsDroppedBeforeTheOthers) {
     DaemonProcess const daemon({"--max-memory", "1048576"});
     OpenClient large(daemon.port());
     ASSERT_TRUE(large.send(pingLine(1) + '\n' + std::string(400000, 'x'))); // half of it, when its buffer has grown
@@ -109,7 +109,7 @@ TEST(BadPeers, OneThatHoldsMostOfTheMemoryGoesBeforeThoseThatTakeLittle) {
     for (auto& client : small) { expectService(*client); } // white space before a message is fine
 }
 
-TEST(BadPeers, MoreThanThereMayBeAreDroppedAtOnceUntilOneLeaves) {
+TEST(BadPeers, NewcomersAreDroppedAtOnceWhileThereAreTooManyClients) {
     DaemonProcess daemon({"--max-clients", "2"});
     OpenClient first(daemon.port());
     OpenClient second(daemon.port());
@@ -158,7 +158,7 @@ TEST(BadPeers, OneThatSendsMegabytesOfBracketsIsRejectedAndCostsTheOthersLittle)
         expectService(good);
         EXPECT_EQ(bad.receive()->name(), "Confirmable");
         expectService(bad);
-        // Not the time that passed, which says more of what else the machine does.
+        // Not the time that passed, which depends on what else the machine does.
         EXPECT_LT((daemon.processorTime() - before).count(), 2000);
 #ifndef __SANITIZE_ADDRESS__
 #ifndef __SANITIZE_THREAD__ // needs memory of its own for each byte, as does that of addresses
@@ -176,7 +176,7 @@ TEST(BadPeers, OneThatEndsItsOutputGetsItsAnswersBeforeTheEnd) {
     EXPECT_TRUE(client.endsAfter(2));
 }
 
-TEST(BadPeers, LogThatNobodyReadsStopsNothingAndTellsWhatIsMissing) {
+TEST(BadPeers, LogThatNobodyReadsDoesNotStopTheDaemonAndCountsItsLostLines) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     Process daemon({"/bin/sh", "-c", "exec \"$0\" --port 0 --log-level debug 2> /dev/fd/" + std::to_string(ends[1]),
@@ -198,7 +198,7 @@ TEST(BadPeers, LogThatNobodyReadsStopsNothingAndTellsWhatIsMissing) {
 // The undefined-behaviour sanitizer opens a pipe to look at objects, and takes a pipe that it cannot get for a bad object.
 #ifndef __SANITIZE_ADDRESS__
 #ifndef __SANITIZE_THREAD__ // reserves address space by the terabyte, as does that of addresses
-TEST(BadPeers, MemoryThatRunsOutEndsThoseThatTookIt) {
+TEST(BadPeers, OnesThatExhaustTheMemoryAreDropped) {
     Process daemon({"/bin/sh", "-c",
                     "ulimit -v 300000; exec \"$0\" --port 0 --max-memory 1073741824 --max-line 16000000",
                     zorv::programPath("zwaved")});
@@ -216,7 +216,7 @@ TEST(BadPeers, MemoryThatRunsOutEndsThoseThatTookIt) {
 }
 #endif
 
-TEST(BadPeers, NewcomersThatThereIsNoDescriptorForAreDroppedAtOnce) {
+TEST(BadPeers, NewcomersAreDroppedAtOnceWhenNoDescriptorIsLeft) {
     Process daemon({"/bin/sh", "-c", "ulimit -n 24; exec \"$0\" --port 0", zorv::programPath("zwaved")});
     auto const port = announcedPort(daemon);
     OpenClient first(port);

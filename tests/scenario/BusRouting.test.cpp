@@ -87,7 +87,7 @@ protected:
         return answer;
     }
 
-    /// What has been sent to the client before has arrived once this has been answered.
+    /// Waits until everything that was sent to the client before has arrived.
     void waitFor(Client& client) { ask(client, boost::make_shared<Confirmable>()); }
 
     void echoPings() {
@@ -196,7 +196,7 @@ TEST_F(Bus, TellsTwoAskersOfTheSameIdentityApart) {
     EXPECT_EQ(answers, askers);
 }
 
-TEST_F(Bus, AnswersARequestThatIsLateWithTimeout) {
+TEST_F(Bus, AnswersWithTimeoutWhenNoAnswerComesInTime) {
     server_.handle<PingMsg>([](auto const&, PeerId) {});
     auto const request = newPing();
     auto const answer = ask(addClient(), request, milliseconds(20));
@@ -224,7 +224,7 @@ TEST_F(Bus, DropsAndLogsAnAnswerThatComesTooLate) {
     EXPECT_THAT(log_.lines(), Contains(StartsWith("WARN MessageBus: late answer dropped: PingMsg ")));
 }
 
-TEST_F(Bus, AnswersTheRequestsToAPeerThatGoesWithFailure) {
+TEST_F(Bus, AnswersRequestsWithFailureWhenTheirPeerGoes) {
     server_.handle<PingMsg>([&](auto const&, PeerId from) { server_.disconnect(from); });
     auto& client = addClient();
     std::vector<TResult::Enum> results;
@@ -237,7 +237,7 @@ TEST_F(Bus, AnswersTheRequestsToAPeerThatGoesWithFailure) {
     left_.clear();
     while (results.size() < 2) { runLoop(loop_); }
     EXPECT_EQ(results, (std::vector<TResult::Enum>{TResult::failure, TResult::failure}));
-    EXPECT_EQ(ask(client, newPing())->result(), TResult::failure); // nor can a peer that is gone be asked
+    EXPECT_EQ(ask(client, newPing())->result(), TResult::failure); // a peer that is gone cannot be asked
 }
 
 TEST_F(Bus, ForgetsTheRequestsOfAPeerThatGoes) {
@@ -267,7 +267,7 @@ TEST_F(Bus, RefusesARequestThatIsWaitingAlready) {
     EXPECT_THROW(client.bus.request(client.server, request, seconds(20), [](auto const&) {}), std::invalid_argument);
 }
 
-TEST_F(Bus, RejectsARequestThatNobodyHandlesWithAnEmptyOne) {
+TEST_F(Bus, RejectsARequestThatNobodyHandlesWithAnEmptyMessageOfItsClass) {
     auto const request = newPing();
     auto const answer = boost::dynamic_pointer_cast<PingMsg>(ask(addClient(), request));
     ASSERT_TRUE(answer);
@@ -311,14 +311,14 @@ TEST_F(Bus, DoesNotRejectWhatCarriesNoHeader) {
         2);
 }
 
-TEST_F(Bus, SettlesARequestWithoutAHeaderByTheNextMessageOfItsClass) {
+TEST_F(Bus, TakesTheNextMessageOfItsClassAsTheAnswerToARequestWithoutAHeader) {
     server_.listen<VersionMsg>([this](auto const&, PeerId from) { server_.send(from, VersionMsg::create("1.7")); });
     auto const answer = boost::dynamic_pointer_cast<VersionMsg>(ask(addClient(), VersionMsg::create("1.0")));
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->protocolVersion(), "1.7");
 }
 
-TEST_F(Bus, DoesNotSettleARequestWithoutAHeaderByAMessageOfAnotherClass) {
+TEST_F(Bus, TakesNoMessageOfAnotherClassAsTheAnswerToARequestWithoutAHeader) {
     auto& client = addClient();
     auto& other = addClient();
     int answers = 0;
@@ -345,7 +345,7 @@ TEST_F(Bus, TakesAnAnswerOnlyFromThePeerThatWasAsked) {
     EXPECT_EQ(answers, 1);
 }
 
-TEST_F(Bus, KnowsTheLatestOfTheLateAnswersAndForgetsTheOldest) {
+TEST_F(Bus, RecognisesTheLatestLateAnswersAndForgetsTheOldest) {
     auto& client = addClient();
     std::vector<boost::shared_ptr<PingMsg>> requests;
     std::size_t late = 0;
@@ -535,7 +535,7 @@ TEST_F(Bus, BringsEventsToThosePeersThatSubscribed) {
     auto& second = addClient();
     auto& third = addClient();
     server_.subscribe(first.atServer, "quit");
-    server_.subscribe(first.atServer, "quit"); // twice is once
+    server_.subscribe(first.atServer, "quit"); // a second time changes nothing
     server_.subscribe(second.atServer, "quit");
     server_.subscribe(third.atServer, "start");
     server_.unsubscribe(second.atServer, "quit");

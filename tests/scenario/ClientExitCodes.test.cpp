@@ -29,7 +29,7 @@ using namespace zorv;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// A daemon that tells its version and answers every line but a client's first with what a test wants.
+/// A daemon that sends its version, and answers every line but the first of a client as a test wants.
 class FakeDaemon {
 public:
     using Answer = std::function<void(TcpConnection& connection, std::string const& line)>;
@@ -75,7 +75,7 @@ std::string answerTo(std::string const& line, ZResult::Enum result) {
     return toText(*PingMsg::create(readBack<PingMsg>(line), result, 0));
 }
 
-/// An answer to the request in a line that is of no message class of its own.
+/// A bare Confirmable that answers the request in a line.
 std::string confirmationOf(std::string const& line, ZResult::Enum result) {
     Confirmable confirmation(result);
     confirmation.setResponse(*readBack<PingMsg>(line));
@@ -182,7 +182,7 @@ TEST(ClientExitCodes, NoAnswerInTimeIsFour) {
 }
 
 TEST(ClientExitCodes, RefusalWithinASeriesOutranksATimeout) {
-    // The refusal is neither the first nor the last outcome, so neither of these can pass for the rule.
+    // The refusal is neither the first nor the last outcome, so a client that reports one of these fails the test.
     FakeDaemon const daemon([pings = 0](TcpConnection& connection, std::string const& line) mutable {
         if (++pings == 2) { connection.send(answerTo(line, ZResult::nodeNotReached)); }
     });
@@ -249,10 +249,10 @@ TEST(ClientExitCodes, InterruptionIs130) {
 
 TEST(ClientExitCodes, InterruptionDuringAPingIs130) {
     FakeDaemon const daemon([first = true](TcpConnection& connection, std::string const& line) mutable {
-        if (std::exchange(first, false)) { connection.send(line); } // answers nothing, and so is dropped
+        if (std::exchange(first, false)) { connection.send(line); } // it is not an answer, so the client drops it
     });
     Process client(clientCommand(daemon.port(), {"--timeout", "3600", "ping", "1"}));
-    // The client is waiting once it has complained about the message that answers nothing.
+    // The client is waiting when it has complained about that message.
     client.waitForError("nobody handles PingMsg");
     client.signal(SIGINT);
     EXPECT_EQ(client.wait(), 130);

@@ -9,7 +9,7 @@
 
 namespace scenario {
 
-/// A client that sends whatever bytes a test wants; whatever takes longer than a generous deadline throws.
+/// A client that sends any bytes. Each operation throws if it takes longer than a generous deadline.
 class LineClient {
 public:
     /// Connects to a port of this machine; `receiveBuffer` limits what the system takes in for it, in bytes;
@@ -30,7 +30,7 @@ public:
 
     boost::shared_ptr<zorv::TMessage> receive();
 
-    /// Waits for the end of the connection, after the lines that have not been read; whether they were `lines`.
+    /// Reads to the end of the connection; true if so many lines came before it.
     bool endsAfter(int lines);
 
     unsigned short localPort() const;
@@ -38,7 +38,7 @@ public:
     /// Sends nothing any more, and reads on, as `nc -N` does.
     void endOutput();
 
-    /// Ends the connection as a vanished process would, or hard, so that the other side sees it reset.
+    /// Ends the connection as a process that ends would, or with a reset.
     void close();
     void reset();
 

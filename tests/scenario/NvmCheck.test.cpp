@@ -173,7 +173,7 @@ TEST_F(NvmCheck, WarnsOfANameThatIsNotUtf8) {
     EXPECT_EQ(errors_, "quillet: warning: blob \"\\xffame\" is not UTF-8\n");
 }
 
-// The checksum does not hold, so that nobody decodes so many contents, nor counts their checksum.
+// The checksum differs, so that the contents need not be base64 and are not decoded.
 TEST_F(NvmCheck, WarnsOfABackupThatDoesNotFitIntoOneLine) {
     auto const blobOf = [](std::string const& contents) {
         return R"({"__name__":"zorv::Blob","name_":"a","offset_":0,"size_":1,"crc_":1,"contents_":")" + contents +

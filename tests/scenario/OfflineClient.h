@@ -11,7 +11,7 @@
 
 namespace scenario {
 
-/// Runs commands of the client that need no daemon, where none listens, and keeps what they wrote.
+/// Runs client commands that need no daemon, while none listens, and keeps their output.
 class OfflineClient : public testing::Test {
 protected:
     /// The exit code of `quillet` with the arguments.

@@ -31,7 +31,8 @@ protected:
         EXPECT_EQ(client_.receive()->name(), "PingMsg");
     }
 
-    /// Sends what does not open a connection and a ping; expects the rejection, the end, and the line in the log.
+    /// Sends lines that do not open a connection, and a ping. Expects the rejection, the end of the connection and a
+    /// line in the log.
     void expectRefusal(std::string const& lines, std::string const& complaint) {
         ASSERT_TRUE(client_.send(lines + "\n" + pingLine(1) + "\n"));
         auto const answer = client_.receive();

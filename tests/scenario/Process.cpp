@@ -142,7 +142,7 @@ long Process::memory(std::string const& key) const {
 std::chrono::milliseconds Process::processorTime() const {
     std::ifstream file("/proc/" + std::to_string(pid_) + "/stat");
     std::string const stat{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    std::istringstream fields(stat.substr(stat.rfind(')') + 1)); // what precedes is the name, which may hold anything
+    std::istringstream fields(stat.substr(stat.rfind(')') + 1)); // the name before it may hold anything
     std::string skipped;
     for (int field = 3; field < 14; ++field) { fields >> skipped; }
     long user = 0;

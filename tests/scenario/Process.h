@@ -11,7 +11,7 @@ namespace scenario {
 
 /// A child process whose output is read; killed and reaped at the latest when the object goes.
 ///
-/// Whatever takes longer than a generous deadline throws, so that a test fails instead of hanging.
+/// Each operation throws if it takes longer than a generous deadline, so that a test fails instead of hanging.
 class Process {
 public:
     /// Starts command[0] with the other elements as its arguments.

@@ -103,12 +103,12 @@ TEST_F(RubbishLines, BadMemberBeforeTheIdentityIsRejectedWithTheCorrelation) {
     expectRejection(ping("\"version_\":1", "\"version_\":\"one\""), identity);
 }
 
-TEST_F(RubbishLines, IdentityThatIsNoneIsRejectedWithoutACorrelation) {
+TEST_F(RubbishLines, BadIdentityIsRejectedWithoutACorrelation) {
     expectRejection(ping("11111111-", "one-"), none);
     expectRejection(ping("\"" + identity + "\"", "[1]"), none);
 }
 
-TEST_F(RubbishLines, IdentityOutsideOfTheHeaderIsNotTakenForIt) {
+TEST_F(RubbishLines, IdentityOutsideOfTheHeaderIsNotTakenForTheCorrelation) {
     expectRejection(R"({"__name__":"zorv::PongMsg","id_":"11111111-2222-4333-8444-555555555555"})", none);
 }
 
@@ -127,7 +127,7 @@ TEST_F(RubbishLines, InvalidUtf8IsRejected) {
     expectRejection(ping("zorv::PingMsg", "zorv::Ping\xC3"), none);
 }
 
-TEST_F(RubbishLines, CarriageReturnBeforeTheLineEndIsNoRubbish) {
+TEST_F(RubbishLines, CarriageReturnBeforeTheLineEndIsAccepted) {
     ASSERT_TRUE(client_.send(ping() + "\r\n"));
     EXPECT_EQ(client_.receive()->name(), "PingMsg");
 }

@@ -340,7 +340,7 @@ TEST_F(TcpLines, MayDestroyTheirConnectionInTheirHandler) {
     };
     runLoop(loop_);
     EXPECT_EQ(lines_, (Strings{"one"}));
-    EXPECT_TRUE(closed_.empty()); // nobody is told who let go himself
+    EXPECT_TRUE(closed_.empty()); // the owner that destroys a connection is not told of its end
     EXPECT_TRUE(client_->endsAfter(0));
 }
 
@@ -389,7 +389,7 @@ TEST_F(ConnectTcp, TellsWhyThereIsNoConnection) {
 }
 
 TEST_F(ConnectTcp, GivesUpInTime) {
-    // A listener that accepts nobody, and has as many waiting as it takes.
+    // A listener that accepts nobody and whose queue is full.
     boost::asio::io_context context;
     boost::asio::ip::tcp::acceptor full(context, freePort(), false);
     full.listen(0);
@@ -447,7 +447,7 @@ TEST(Timer, IsNotCalledOnceItWasCancelledReplacedOrDestroyed) {
     EXPECT_EQ(called, (std::vector<int>{4}));
 }
 
-TEST(Timer, IsNotCalledWhereAnotherOneOfTheSameMomentCancelsIt) {
+TEST(Timer, IsNotCalledWhenAnotherTimerOfTheSameMomentCancelsIt) {
     EventLoop loop;
     int called = 0;
     Timer first;
@@ -464,7 +464,7 @@ TEST(Timer, IsNotCalledWhereAnotherOneOfTheSameMomentCancelsIt) {
     EXPECT_EQ(called, 1);
 }
 
-TEST(SignalWatch, CallsItsWorkForEachSignalUntilItGoes) {
+TEST(SignalWatch, CallsItsWorkForEachSignalUntilItIsDestroyed) {
     EventLoop loop;
     std::vector<int> signals;
     std::optional<SignalWatch> watch;
@@ -481,7 +481,7 @@ TEST(SignalWatch, CallsItsWorkForEachSignalUntilItGoes) {
     EXPECT_EQ(signals, (std::vector<int>{SIGUSR1, SIGUSR2}));
 }
 
-TEST(TcpBudget, IsFullWithSoManyConnections) {
+TEST(TcpBudget, IsFullAtItsLimitOfConnections) {
     EventLoop loop;
     auto const budget = std::make_shared<TcpBudget>(loop, 100, 2);
     TcpBudget::Share const one(budget, [] {});
@@ -493,7 +493,7 @@ TEST(TcpBudget, IsFullWithSoManyConnections) {
     EXPECT_FALSE(budget->full());
 }
 
-TEST(TcpBudget, GivesAllThatThereIsAndNotOneByteMore) {
+TEST(TcpBudget, GrantsUpToItsLimitAndNotOneByteMore) {
     EventLoop loop;
     auto const budget = std::make_shared<TcpBudget>(loop, 100, 10);
     TcpBudget::Share one(budget, [] {});
@@ -502,7 +502,7 @@ TEST(TcpBudget, GivesAllThatThereIsAndNotOneByteMore) {
     EXPECT_TRUE(one.hold(100)); // what was refused changed nothing
 }
 
-TEST(TcpBudget, TakesItBackWhenAShareShrinksOrGoes) {
+TEST(TcpBudget, GetsMemoryBackWhenAShareShrinksOrEnds) {
     EventLoop loop;
     auto const budget = std::make_shared<TcpBudget>(loop, 100, 10);
     int evicted = 0;
@@ -517,7 +517,7 @@ TEST(TcpBudget, TakesItBackWhenAShareShrinksOrGoes) {
     EXPECT_EQ(evicted, 0);
 }
 
-TEST(TcpBudget, EndsTheLargestShareWhoeverAsks) {
+TEST(TcpBudget, EvictsTheLargestShareWhicheverAsks) {
     EventLoop loop;
     auto const budget = std::make_shared<TcpBudget>(loop, 100, 10);
     std::string evicted;
@@ -533,12 +533,12 @@ TEST(TcpBudget, EndsTheLargestShareWhoeverAsks) {
     EXPECT_TRUE(asking.hold(80));
 }
 
-TEST(TcpBudget, WithoutOneEverythingIsGranted) {
+TEST(TcpBudget, GrantsEverythingToAShareWithoutABudget) {
     TcpBudget::Share share(nullptr, [] {});
     EXPECT_TRUE(share.hold(std::size_t{1} << 30U));
 }
 
-TEST(Allowance, IsSoMuchAtOnceAndThenSoMuchASecond) {
+TEST(Allowance, AllowsABurstAndThenARate) {
     Allowance allowance(2, 1);
     auto now = Allowance::Clock::now();
     EXPECT_TRUE(allowance.take(now));
@@ -547,7 +547,7 @@ TEST(Allowance, IsSoMuchAtOnceAndThenSoMuchASecond) {
     EXPECT_FALSE(allowance.take(now + std::chrono::milliseconds(500)));
     EXPECT_TRUE(allowance.take(now + std::chrono::milliseconds(1000)));
     EXPECT_FALSE(allowance.take(now + std::chrono::milliseconds(1000)));
-    now += std::chrono::hours(1); // what is not used up does not pile up
+    now += std::chrono::hours(1); // an allowance that is not used does not grow
     EXPECT_TRUE(allowance.take(now));
     EXPECT_TRUE(allowance.take(now));
     EXPECT_FALSE(allowance.take(now));

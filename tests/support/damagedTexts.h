@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// Texts that went wrong on the way.
+// Damaged texts, as a faulty or hostile peer may send them.
 
 namespace zorv {
 

@@ -11,7 +11,7 @@
 #include <stdexcept>
 #include <string>
 
-// Wire texts as the tests take them apart: with a JSON parser of their own, not with the one that is tested.
+// The tests parse wire texts with JsonCpp, not with the parser that they test.
 
 namespace zorv {
 

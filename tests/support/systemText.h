@@ -6,7 +6,7 @@
 
 namespace zorv {
 
-/// The system's own words for an error number such as ENOENT, which are not ours to choose.
+/// The system's own text for an error number such as ENOENT.
 inline std::string systemText(int error) { return std::generic_category().message(error); }
 
 } // namespace zorv

@@ -14,7 +14,7 @@
 
 namespace zorv {
 
-/// What a message writes behind the frame of its direct base `Base`: its own members, each after a comma, and the brace.
+/// What a message writes after the frame of its direct base `Base`: its own members, each after a comma, and the brace.
 template <class Base, class Message> std::string ownMembers(Message const& message) {
     Serializer base;
     message.Base::serialInserter(base);
@@ -31,7 +31,7 @@ template <class Object> boost::shared_ptr<Object> readBack(std::string const& te
     return object;
 }
 
-/// The object that is read where no key but the name is there.
+/// The object that is read from a text with no key but the name.
 template <class Object> boost::shared_ptr<Object> readBlank() {
     return readBack<Object>("{\"__name__\":\"zorv::" + Object::NAME + "\"}");
 }

@@ -64,7 +64,7 @@ TEST(Blob, ReplacesTheBytesThatItHeld) {
     EXPECT_EQ(blob.crc(), 4039424006U);
 }
 
-TEST(Blob, MadeFromAnEmptyByteVectorHasNoContentsAndGivesNoBytesBackWithoutALogLine) {
+TEST(Blob, OfNoBytesHasNoContentsAndLogsNothing) {
     Blob blob("routes", 0, 4, 4065733082U, "AQIDBA==");
     LogCapture const log;
     EXPECT_FALSE(blob.setContents({}));
@@ -104,7 +104,7 @@ TEST(Blob, WithAnyNameIsWarnedOfOnOneLine) {
                 ElementsAre("WARN ManageNvmMsg::checkCrc: crc mismatch, the blob a\\x1b\\x0a\\xc2\\x9b is corrupt"));
 }
 
-TEST(Blob, ThatIsNotBase64GivesNoBytesWithOneLogLineWhereItsChecksumHolds) {
+TEST(Blob, ThatIsNotBase64ButHasAGoodChecksumGivesNoBytesWithOneLogLine) {
     Blob const blob("digits", 0, 9, 0xCBF43926U, "123456789");
     LogCapture const log;
     EXPECT_TRUE(blob.checkCrc());
@@ -153,7 +153,7 @@ TEST(Blob, IsReadWithAnyChecksumAndFoundCorruptOnlyWhenChecked) {
     EXPECT_FALSE(blob->checkCrc());
 }
 
-TEST(Blob, KeepsAtItsDefaultWhateverItsTextLacks) {
+TEST(Blob, KeepsTheDefaultOfAnAbsentMember) {
     auto const blob = readBlank<Blob>();
     ASSERT_TRUE(blob);
     EXPECT_EQ(toText(*blob), toText(Blob("", 0)));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What holds for every message, for every message of the catalogue's list. A message's golden file gives its wire text
-// with every member set to a value of its own; this suite takes the text apart and puts it together again.
+// What holds for every message, tested for each message of the catalogue. The golden file of a message is its wire
+// text, with every member at a distinct value; this suite takes the text apart and puts it together again.
 
 #include "zwave/libquillet/Catalogue.h"
 
@@ -382,7 +382,7 @@ TYPED_TEST(CatalogueRequest, IsAnsweredByACopyWithTheGivenResultAndTheRequestsId
     EXPECT_EQ(toText(without(ownKeys, toJson(*response))), toText(without(ownKeys, this->sampleJson())));
 }
 
-TYPED_TEST(CatalogueRequest, IsAnsweredByACopyWithResultFiveWhenTheTimeIsUp) {
+TYPED_TEST(CatalogueRequest, IsAnsweredByACopyWithResultFiveAfterItsDeadline) {
     auto const request = this->sample();
     auto const response = request->makeTimeoutResponse();
     ASSERT_NE(response, nullptr);

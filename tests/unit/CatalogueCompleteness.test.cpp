@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The catalogue is complete against its own list: the registry, the golden texts, the schema and the reference hold the
-// same classes.
+// The catalogue's list, the registry, the golden texts, the schema and the reference hold the same classes.
 
 #include "platform/libtransport/SerialRegistrar.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"

@@ -46,7 +46,7 @@ TEST(CliDisplayMsg, ResponseCarriesItsOwnTable) {
     EXPECT_EQ(response->data(), (StringVecVec{{"answer"}}));
     EXPECT_EQ(response->result(), ZResult::success);
     EXPECT_EQ(response->correlation(), request->id());
-    EXPECT_EQ(response->role(), MessageRole::request); // a copy of the request in all else
+    EXPECT_EQ(response->role(), MessageRole::request); // everything else is a copy of the request
     EXPECT_EQ(request->data(), table);
 }
 

@@ -49,7 +49,7 @@ TEST(CliViewer, AnotherColumnThanZeroInAnEmptyTableIsRefused) {
     EXPECT_THAT(rows, IsEmpty());
 }
 
-TEST(CliViewer, AColumnThatNoRowCanHaveIsRefused) {
+TEST(CliViewer, RefusesAColumnThatNoRowCanHave) {
     auto const longest = Row().max_size();
     for (auto const column : {longest, std::numeric_limits<std::size_t>::max()}) {
         StringVecVec rows{{"a"}};

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every enumeration against the list of its numbers and texts in tests/golden/enums. The tables take their texts from the
-// identifiers, so that only these lists notice when one is renamed or gets another number: peers, modules and nodes would.
+// identifiers, so only these lists notice when one is renamed or renumbered, which peers, modules and nodes would not
+// understand.
 // The lists began as a copy of the declarations. They show that nothing changes by accident, not that it was right.
 
 #include "platform/libtransport/MessageRole.h"

@@ -288,7 +288,7 @@ TEST(EnumTable, ParsesAPartOfALongerText) {
 
 // ---- how a table comes from its enumeration
 
-TEST(EnumTable, TakesEachEnumeratorOfAByteAndThoseBeyondThatAreNamed) {
+TEST(EnumTable, FindsTheEnumeratorsOfAByteAndTakesThoseBeyondThatAreListed) {
     EXPECT_THAT(textsOf<Answer::Enum>(),
                 testing::ElementsAre(Pair(-1, "unset"), Pair(0, "no"), Pair(1, "yes"), Pair(7, "delete"),
                                      Pair(255, "last"), Pair(1000, "far"), Pair(70000, "farther")));
@@ -297,7 +297,7 @@ TEST(EnumTable, TakesEachEnumeratorOfAByteAndThoseBeyondThatAreNamed) {
     EXPECT_EQ(toString(Answer::unset), "unset");
 }
 
-TEST(EnumTable, GivesTheFirstOfTwoEnumeratorsWithOneNumberItsText) {
+TEST(EnumTable, UsesTheTextOfTheFirstOfTwoEnumeratorsWithOneNumber) {
     constexpr auto table = enumTable<Colour>();
     static constexpr auto const& rows = Enumerators<Colour, enums::BytesAnd<>>::rows;
     ASSERT_EQ(rows.size(), 3U);
@@ -305,7 +305,7 @@ TEST(EnumTable, GivesTheFirstOfTwoEnumeratorsWithOneNumberItsText) {
     EXPECT_TRUE(table.isOrderly());
 }
 
-TEST(EnumTable, IsCalledWhatItsScopeIsCalledOrWhatItIsNamed) {
+TEST(EnumTable, HasTheNameOfItsScopeUnlessItIsGivenAnother) {
     EXPECT_EQ(describe(Maker::Enum()).name, "Maker");
     EXPECT_EQ(describe(Answer::Enum()).name, "Reply");
     EXPECT_EQ(enums::name<Colour>.view(), "Colour");
@@ -313,7 +313,7 @@ TEST(EnumTable, IsCalledWhatItsScopeIsCalledOrWhatItIsNamed) {
     EXPECT_EQ(errorOfWord<Answer::Enum>("maybe"), "InvalidEnumError: invalid Reply text \"maybe\"");
 }
 
-TEST(EnumTable, GivesAValueATextThatCannotBeAnIdentifier) {
+TEST(EnumTable, MayGiveAValueATextThatCannotBeAnIdentifier) {
     EXPECT_EQ(toString(Answer::erase), "delete");
     EXPECT_EQ(Answer::toEnum("delete"), Answer::erase);
     EXPECT_EQ(errorOfWord<Answer::Enum>("erase"), "InvalidEnumError: invalid Reply text \"erase\"");

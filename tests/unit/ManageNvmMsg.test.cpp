@@ -61,7 +61,7 @@ TEST(ManageNvmOp, HasNoTextOrValueBeyondThem) {
 
 TEST(ManageNvmMsg, HasATimeoutOf180) { EXPECT_EQ(ManageNvmMsg::DEFAULT_TIMEOUT, 180U); }
 
-TEST(ManageNvmMsg, AsksForNothingUnlessToldOtherwise) {
+TEST(ManageNvmMsg, HasTheDefaultsOfItsMembers) {
     ManageNvmMsg const message;
     EXPECT_EQ(message.result(), ZResult::none);
     EXPECT_EQ(message.operation(), ManageNvmOp::invalid);
@@ -111,7 +111,7 @@ TEST(ManageNvmMsg, ResponseAnswersItsRequestWithoutItsBlobsAndItsTimeout) {
     EXPECT_EQ(response->source(), request->source());
 }
 
-TEST(ManageNvmMsg, ResponseToNoRequestIsAnError) {
+TEST(ManageNvmMsg, RefusesToRespondToANullRequest) {
     boost::shared_ptr<ManageNvmMsg> const none;
     EXPECT_EQ(errorOf([&] { ManageNvmMsg::create(none, ZResult::success, 0); }), "NullPointerError: msg is null");
 }
@@ -226,7 +226,7 @@ TEST(ManageNvmMsg, ShowsItsHomeIdInDecimalAndItsResult) {
 
 // ---- the search for blobs
 
-/// What JsonCpp says of a call that fails: its words are not ours to choose.
+/// JsonCpp's own text for a call that fails.
 template <class Call> std::string wordsOfJsonCpp(Call const& call) {
     try {
         call();
@@ -652,7 +652,7 @@ TEST_F(ReadBackup, TakesWhatTheJsonLibraryConverts) {
 
 TEST_F(ReadBackup, JoinsLinesWithoutTheirEnds) {
     auto text = goodBlob;
-    text.insert(text.find("BA=="), "\n"); // no JSON any more, but for the joining
+    text.insert(text.find("BA=="), "\n"); // valid JSON only once the lines are joined
     EXPECT_EQ(read("[\n" + text + "\n]\n"), ZResult::success);
     EXPECT_EQ(message_.blobs().at(0)->contents(), "AQIDBA==");
     EXPECT_TRUE(message_.checkBlobs());
@@ -717,7 +717,7 @@ TEST_F(ReadBackup, OfAFifoWithoutAWriterFailsWith9InsteadOfWaiting) {
     EXPECT_THAT(log_.lines(), ElementsAre(StartsWith(cannotParse)));
 }
 
-TEST_F(ReadBackup, OfAPipeWaitsForWhatItsWriterHasToSay) {
+TEST_F(ReadBackup, OfAPipeWaitsForItsWriter) {
     ManageNvmMsg saved;
     saved.addBlob(makeBlob("eeprom", OctetVec(1'000'000, 0x5A))); // many times what a pipe holds
     auto const text = toText(saved);
@@ -733,7 +733,7 @@ TEST_F(ReadBackup, OfAPipeWaitsForWhatItsWriterHasToSay) {
     });
     EXPECT_EQ(message_.read("/dev/fd/" + std::to_string(ends[0])), ZResult::success);
     std::signal(SIGPIPE, SIG_IGN);
-    ::close(ends[0]); // ends a writer that still has something to say
+    ::close(ends[0]); // ends a writer that is still writing
     writer.join();
     EXPECT_TRUE(written);
     EXPECT_EQ(message_.size(), 1'000'000U);
@@ -812,7 +812,7 @@ TEST_F(ReadBackup, RefusesMoreBytesThanMemoryShouldHold) {
     EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
-// Nothing that a file holds raises these two, so the log does it, while the second home id is warned of.
+// No file raises these errors, so the log does, when it is told of the second home id.
 
 std::string const twoHomeIds = R"([{"homeId_":6},)" + goodBlob + R"(,{"homeId_":7}])";
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts that went wrong on the way. Whatever a peer sends is either refused with an exception or read as a message
-// that behaves: it writes itself, the text it writes reads back to the same text, and it can be shown, printed and
-// answered.
+// Damaged texts. Whatever a peer sends is either refused with an exception or read as a usable message: what it writes
+// reads back to the same text, and it can be shown, printed and answered.
 
 #include "tests/support/damagedTexts.h"
 #include "tests/support/shown.h"
@@ -52,7 +51,7 @@ TEST(MutatedText, IsRefusedOrReadAsAUsableMessage) {
         ASSERT_EQ(toText(*readSerializable(once)), once) << text;
         if (auto const* const message = dynamic_cast<TMessage const*>(object.get())) { use(*message); }
     }
-    // A damage that never leaves a message, or never breaks one, would test nothing.
+    // Damage that always breaks the message, or never does, would test nothing.
     EXPECT_GT(read, 500U);
     EXPECT_GT(refused, 500U);
 }

@@ -112,7 +112,7 @@ TEST(NodeInformationMsg, TheAnswerToAnyMessageHasOperationSetAndNoDisplayOption)
     EXPECT_EQ(response->correlation(), request->id());
 }
 
-TEST(NodeInformationMsg, TheAnswerToAnyMessageHasThoseAlsoWhereThatIsOneOfItsOwnClass) {
+TEST(NodeInformationMsg, TheAnswerToAnyMessageDoesNotDependOnTheClassOfTheMessage) {
     boost::shared_ptr<TMessage> const request =
         NodeInformationMsg::create(GetNodesOp::get, DisplayOption::cmdClasses, {});
     auto const response = NodeInformationMsg::create(request, DeviceMap());
@@ -131,7 +131,7 @@ TEST(NodeInformationMsg, TheAnswerToItsOwnClassKeepsTheDisplayOption) {
     EXPECT_EQ(response->correlation(), request->id());
 }
 
-TEST(NodeInformationMsg, NothingAnswersAnEmptyRequest) {
+TEST(NodeInformationMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { NodeInformationMsg::create(boost::shared_ptr<TMessage>(), DeviceMap()); }),
               "NullPointerError: msg is null");
     EXPECT_EQ(errorOf([] {
@@ -150,7 +150,7 @@ TEST(NodeInformationMsg, AnUpdateHoldsOneDeviceAndAnswersNothing) {
     EXPECT_TRUE(update->correlation().is_nil());
 }
 
-TEST(NodeInformationMsg, NoUpdateIsMadeOfAnEmptyDevice) {
+TEST(NodeInformationMsg, RefusesAnUpdateWithoutADevice) {
     EXPECT_EQ(errorOf([] { NodeInformationMsg::create(boost::shared_ptr<Device>()); }),
               "NullPointerError: device is null");
 }

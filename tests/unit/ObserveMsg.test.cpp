@@ -78,7 +78,7 @@ TEST(ObserveMsg, ObservedMessageCarriesResult1) {
     EXPECT_EQ(message->direction(), ObserveDirection::received);
 }
 
-TEST(ObserveMsg, WishToObserveHasAction1AndDirection0) {
+TEST(ObserveMsg, RequestToObserveHasAction1AndDirection0) {
     auto const wish = ObserveMsg::create(ZResult::inProgress);
     EXPECT_EQ(wish->action(), 1);
     EXPECT_EQ(wish->direction(), 0);

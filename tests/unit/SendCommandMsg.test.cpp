@@ -187,7 +187,7 @@ TEST(SendCommandMsg, RefusesToRespondToANullRequest) {
     EXPECT_EQ(errorOf([] { SendCommandMsg::create(nullptr, ZResult::success); }), "NullPointerError: msg is null");
 }
 
-/// A request whose copies are of another class, which no class of the catalogue is.
+/// A request whose copies are of another class. The catalogue has no such class.
 class ForeignClone : public SendCommandMsg {
 public:
     boost::shared_ptr<TConfirmable> clone() const override { return boost::make_shared<Confirmable>(); }

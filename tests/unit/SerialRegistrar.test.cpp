@@ -64,13 +64,13 @@ TEST(SerialRegistrar, RefusesASecondRegistrationWithOneWarning) {
     EXPECT_EQ(madeBy("test::Made"), 1);
 }
 
-TEST(SerialRegistrar, TheFirstStaysWhenTheSecondGoesAway) {
+TEST(SerialRegistrar, TheFirstStaysWhenTheSecondIsDestroyed) {
     SerialRegistrar const first("test::Made", factoryOf(1));
     { SerialRegistrar const second("test::Made", factoryOf(2)); }
     EXPECT_EQ(madeBy("test::Made"), 1);
 }
 
-TEST(SerialRegistrar, TheSecondDoesNotTakeOverWhenTheFirstGoesAway) {
+TEST(SerialRegistrar, TheSecondDoesNotTakeOverWhenTheFirstIsDestroyed) {
     auto first = std::make_unique<SerialRegistrar>("test::Made", factoryOf(1));
     SerialRegistrar const second("test::Made", factoryOf(2));
     first.reset();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A text costs time in proportion to its size, whatever a peer has made of its order, depth and keys.
+// Reading a text takes time in proportion to its size, whatever its order, depth and keys.
 
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/limits.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the writer makes can be read back, or the writer refuses it as the reader would.
+// A text that the writer makes can be read back. Otherwise the writer refuses to make it, with the reader's error.
 
 #include "platform/libtransport/SerialValue.h"
 #include "platform/libtransport/Serializer.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Numbers on the wire have a point, whatever the user's language writes.
+// Numbers on the wire have a decimal point, whatever the user's locale.
 
 #include "platform/libtransport/Serializer.h"
 #include "tests/support/TemporaryDirectory.h"

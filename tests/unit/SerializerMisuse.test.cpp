@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What reads or writes something else than it seems to does not compile.
+// Code that would read or write something else than it seems to does not compile.
 
 #include "platform/libtransport/SerialValue.h"
 #include "platform/libtransport/Serializer.h"

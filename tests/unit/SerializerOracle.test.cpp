@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The reader against the plainest one that can be written: a tree, made by JsonCpp. Both have to say the same of every
-// text, good or damaged.
+// Compares the reader with a simple one over a JsonCpp tree. Both must give the same result for every text, good or
+// damaged.
 
 #include "platform/libtransport/Serializer.h"
 #include "tests/support/damagedTexts.h"
@@ -36,8 +36,8 @@ std::optional<Json::Value> treeOf(std::string const& text) {
     } catch (SerializerError const&) { return std::nullopt; }
 }
 
-/// Both complain. The tree's maker reads the text twice, so that what it names may stand behind what is wrong first. Where
-/// JsonCpp complains, with a capital letter or a quote, the place is one of its own choice.
+/// Both complain. The tree reader reads the text twice, so its complaint may be about a later error than the first. A
+/// complaint of JsonCpp's own begins with a capital letter or a quote, and its place may differ.
 void expectEarlierComplaint(std::string const& complaint, std::string const& treeComplaint) {
     auto const position = positionOf(complaint);
     auto const treePosition = positionOf(treeComplaint);

@@ -335,7 +335,7 @@ TEST(SerializerReader, RefusesAKeyThatComesTwice) {
     EXPECT_EQ(malformed(R"({"a":1,"a":2})"), "SerializerError: malformed text: line 1, column 8: duplicate key \"a\"");
 }
 
-TEST(SerializerReader, RefusesNumbersThatAreNone) {
+TEST(SerializerReader, RefusesMalformedNumbers) {
     for (auto const* const text :
          {"NaN", "nan", "Infinity", "-Infinity", "inf", "-",   "--1",  "+1",   "01",  "-01", "00",
           ".5",  "-.5", "1.",       "1.e5",      "1e",  "1e+", "1ee5", "0x10", "1_0", "- 1", "1.5.5"}) {
@@ -346,7 +346,7 @@ TEST(SerializerReader, RefusesNumbersThatAreNone) {
     }
 }
 
-TEST(SerializerReader, RefusesNumbersThatNoDoubleHolds) {
+TEST(SerializerReader, RefusesNumbersTooLargeForADouble) {
     for (auto const* const text : {"1e400", "-1e400", "1e99999999999999999999", "123456789e999999999"}) {
         EXPECT_THAT(malformed(text), StartsWith("SerializerError: malformed text: line 1, column 1: ")) << text;
     }

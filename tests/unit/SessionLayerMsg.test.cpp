@@ -71,7 +71,7 @@ TEST(SessionLayerMsg, RefusesToRespondToANullRequest) {
               "NullPointerError: msg is null");
 }
 
-/// A request whose copies are of another class, which no class of the catalogue is.
+/// A request whose copies are of another class. The catalogue has no such class.
 class ForeignClone : public SessionLayerMsg {
 public:
     boost::shared_ptr<TConfirmable> clone() const override { return boost::make_shared<Confirmable>(); }

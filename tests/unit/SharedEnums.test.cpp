@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The shared enumerations against their tables, written down a second time: numbers and texts are what peers, modules
-// and nodes exchange, so neither may change with the code.
+// The numbers and texts of the shared enumerations, written down a second time. Peers, modules and nodes exchange them,
+// so they must not change with the code.
 
 #include "tests/support/errorOf.h"
 #include "tests/support/expectTexts.h"

@@ -29,7 +29,7 @@ public:
     void print(std::ostream& os) const override { os << "in its own words"; }
 };
 
-TEST(ZorvError, WhatIsTheTextThatTheClassPrints) { EXPECT_STREQ(OutspokenError().what(), "in its own words"); }
+TEST(ZorvError, WhatReturnsTheTextThatTheClassPrints) { EXPECT_STREQ(OutspokenError().what(), "in its own words"); }
 
 /// An error whose description cannot be made.
 class SpeechlessError : public ZorvError {

@@ -27,7 +27,7 @@ TEST(Zwaved, GivesTheControllerThatTheDaemonSetLast) {
 }
 
 TEST(Zwaved, HasAControllerWithoutANetworkBeforeTheDaemonSetsOne) {
-    // Whoever sets another one puts this one back.
+    // A test that sets another one puts this one back.
     EXPECT_EQ(Zwaved::instance().controller().homeId(), 0U);
     EXPECT_EQ(Zwaved::instance().controller().nodeId(), 0);
 }

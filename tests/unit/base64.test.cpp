@@ -35,7 +35,7 @@ std::string decode(std::string const& text) {
     return ::testing::AssertionFailure() << '"' << text << "\" gives " << result.size() << " bytes, " << error;
 }
 
-/// Bytes without a pattern that a block size could hide behind.
+/// Bytes without a pattern, which could hide an error at the end of a block.
 std::string noise(std::size_t size) {
     std::string bytes(size, '\0');
     std::uint32_t state = 2463534242U;

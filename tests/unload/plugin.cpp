@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a host's plug-in does with the catalogue: it reads messages, good and bad, and lets a line be logged.
+// The host's plug-in. It uses the catalogue to read messages, good and bad, and logs a line.
 
 #include "platform/libtransport/SerializerError.h"
 #include "platform/libtransport/readSerializable.h"
@@ -30,7 +30,7 @@ bool refusesAnUnknownClass() {
 
 } // namespace
 
-/// Whether all went as it should.
+/// Whether everything succeeded.
 extern "C" __attribute__((visibility("default"))) int useCatalogue() {
     try {
         zorv::Logger::log(zorv::LogLevel::warn, "a line from the plug-in", BOOST_CURRENT_LOCATION);

@@ -10,9 +10,9 @@
 
 namespace zorv {
 
-/// Reads what the Serializer reads, in the plainest way: JsonCpp makes a tree, and a selection is a node of it.
+/// Reads the same texts as the Serializer, in a simple way: JsonCpp makes a tree, and a selection is a node of it.
 ///
-/// The tests hold the Serializer against it. Its operations are the Serializer's of the same names.
+/// The tests compare the Serializer with it. Its operations have the names of the Serializer's.
 class TreeReader {
 public:
     using Manipulator = TreeReader& (*)(TreeReader&);

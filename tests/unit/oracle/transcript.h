@@ -14,8 +14,8 @@
 
 namespace zorv {
 
-/// Reads a text in every way that a reader offers, and writes down all that the reader says: values, and the texts of
-/// its errors. Two readers that agree write the same.
+/// Reads a text in every way that a reader offers, and writes down all results: values, and the texts of errors. Two
+/// readers that agree give the same transcript.
 ///
 /// `tree` is the text's value; it says which members there are to be asked for. They are asked for in an order, and as
 /// kinds, that the seed determines.
@@ -97,7 +97,7 @@ private:
         }
     }
 
-    /// Whether an operation came to its end; where it did not, its error is written down.
+    /// Whether an operation succeeded; if not, its error is written down.
     template <class Operation> bool consumed(Operation const& operation) {
         try {
             operation();
