@@ -31,7 +31,12 @@ protected:
 };
 
 using Records = testing::Types<Blob, Device, RawCommand>;
-TYPED_TEST_SUITE(FramedRecords, Records);
+
+struct RecordName {
+    template <class Record> static std::string GetName(int) { return Record::NAME; }
+};
+
+TYPED_TEST_SUITE(FramedRecords, Records, RecordName);
 
 TYPED_TEST(FramedRecords, ReadAndWriteTheirGoldenText) {
     auto const text = golden(TypeParam::NAME);
