@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/defaultLineLimit.h"
 #include "apps/quillet/Command.h"
 
-#include "platform/libio/TcpConnection.h"
 #include "platform/libtransport/SerializerError.h"
 #include "platform/libtransport/hexDigits.h"
 #include "platform/libtransport/toText.h"
@@ -119,10 +119,9 @@ private:
             } catch (SerializerError const&) { unwritable.add("blob " + quoted(blob->name()) + " is not UTF-8"); }
         }
         unwritable.addTo(warnings_);
-        auto const limit = TcpLimits().line;
-        if (length > limit) {
+        if (length > defaultLineLimit) {
             warnings_.push_back("the request for a restore has " + std::to_string(length) +
-                                " bytes, the daemon takes " + std::to_string(limit));
+                                " bytes, the daemon takes " + std::to_string(defaultLineLimit) + " by default");
         }
     }
 

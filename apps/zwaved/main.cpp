@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/commandLine.h"
+#include "apps/defaultLineLimit.h"
 #include "apps/zwaved/Daemon.h"
 #include "apps/zwaved/readNetwork.h"
 
@@ -29,7 +30,7 @@ constexpr int wrongUsage = 2;
 
 constexpr std::size_t kibibyte = 1024;
 constexpr std::size_t mebibyte = 1024 * kibibyte;
-constexpr std::size_t mostBytes = 1024 * mebibyte; // that any limit may be
+constexpr std::size_t mostBytes = 1024 * mebibyte; // largest value of a limit
 constexpr std::size_t mostClients = 65536;
 
 /// The default bound for the buffers of all clients together: a small share of the memory, but enough for a few long
@@ -40,7 +41,7 @@ struct Options {
     std::string listen = "127.0.0.1";
     unsigned short port = 4123;
     std::string networkFile;
-    std::size_t maxLine = 8 * mebibyte;
+    std::size_t maxLine = zorv::defaultLineLimit;
     std::size_t maxBacklog = 8 * mebibyte;
     std::size_t maxMemory = defaultMemory();
     std::size_t maxClients = 256;

@@ -181,15 +181,15 @@ TEST_F(NvmCheck, WarnsOfABackupThatDoesNotFitIntoOneLine) {
     };
     zorv::ManageNvmMsg request(zorv::ManageNvmOp::restore, 5, zorv::ZResult::none, 0);
     request.addBlob(zorv::readBack<zorv::Blob>(blobOf("")));
-    auto const room = 16777216 - toText(request).size();
+    auto const room = 8388608 - toText(request).size();
     auto const errorsOf = [&](std::size_t contents) {
         auto const text = R"([{"homeId_":5},)" + blobOf(std::string(contents, 'A')) + "]";
         EXPECT_EQ(check(directory_.write("backup.json", text)), 1);
         return errors_;
     };
     EXPECT_THAT(errorsOf(room), Not(HasSubstr("warning")));
-    EXPECT_THAT(errorsOf(room + 1), HasSubstr("quillet: warning: the request for a restore has 16777217 bytes, "
-                                              "the daemon takes 16777216\n"));
+    EXPECT_THAT(errorsOf(room + 1), HasSubstr("quillet: warning: the request for a restore has 8388609 bytes, "
+                                              "the daemon takes 8388608 by default\n"));
 }
 
 TEST_F(NvmCheck, NeedsAFile) {
