@@ -116,7 +116,7 @@ function(quillet_tests folder)
     quillet_own_program(${folder}-tests ${sources} testPaths.cpp)
     set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
     target_link_libraries(${target} PRIVATE ${ARGN} GTest::gmock GTest::gtest_main)
-    # GoogleMock's header takes longer to compile than most tests. The option beside it lets a compiler cache serve them.
+    # GoogleMock's header takes longer to compile than most tests. The option lets a compiler cache serve them.
     target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
     add_dependencies(${target} quillet quillet-program-zwaved quillet-program-quillet)
@@ -133,4 +133,20 @@ function(quillet_script_test test script)
     cmake_path(GET test PARENT_PATH folder)
     add_test(NAME ${test} COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/${script}" ${ARGN})
     set_tests_properties(${test} PROPERTIES LABELS ${folder} TIMEOUT 300)
+endfunction()
+
+# quillet_check_target_names(<directory>)
+#
+# Fails if the name of a target in the directory, or in one below it, does not begin with quillet. A project that
+# includes this one has targets of its own.
+function(quillet_check_target_names directory)
+    get_property(targets DIRECTORY "${directory}" PROPERTY BUILDSYSTEM_TARGETS)
+    list(FILTER targets EXCLUDE REGEX "^quillet")
+    if(targets)
+        message(FATAL_ERROR "The names of these targets do not begin with quillet: ${targets}")
+    endif()
+    get_property(subdirectories DIRECTORY "${directory}" PROPERTY SUBDIRECTORIES)
+    foreach(subdirectory IN LISTS subdirectories)
+        quillet_check_target_names("${subdirectory}")
+    endforeach()
 endfunction()
