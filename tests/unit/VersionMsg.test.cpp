@@ -42,6 +42,17 @@ TEST(VersionMsg, LetsTheReaderGoOnAfterIt) {
     EXPECT_EQ(next, "next");
 }
 
+TEST(VersionMsg, LeavesTheSelectionToItsCaller) {
+    Serializer s(R"({"version":{"__name__":"zorv::VersionMsg","protocolVersion_":"1"},"next":2})");
+    VersionMsg message;
+    int next = 0;
+    s >> "version";
+    message.serialExtract(s);
+    s >> finished >> "next" >> next;
+    EXPECT_EQ(message.protocolVersion(), "1");
+    EXPECT_EQ(next, 2);
+}
+
 TEST(VersionMsg, DoesNotWriteOrReadItsHeader) {
     VersionMsg original("1");
     original.role(MessageRole::request);

@@ -9,11 +9,7 @@ namespace zorv {
 
 namespace {
 
-std::string className(ZorvError const& error) {
-    char const* name = typeid(error).name();
-    if (*name == '*') { ++name; } // marks a type that is compared by address
-    return StackTrace::demangle(name);
-}
+std::string className(ZorvError const& error) { return StackTrace::demangle(typeid(error).name()); }
 
 } // namespace
 
