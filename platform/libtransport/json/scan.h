@@ -23,73 +23,79 @@ inline bool isPlain(char c) noexcept { return isAscii(c) && !isControl(c) && c !
 
 /// The first character that is not blank; the text has to end with one that is not, such as a string's NUL.
 inline char const* skipBlanks(char const* at) noexcept {
-    while (isBlank(*at)) { ++at; }
+    // Most often there is none, which one comparison tells.
+    while (static_cast<unsigned char>(*at) <= ' ' && isBlank(*at)) { ++at; }
     return at;
 }
 
-/// Several characters at a time: as many as a register holds.
-#if defined(__SSE2__)
-constexpr std::size_t blockSize = 16;
-using Block = __m128i;
+/// Eight characters at a time, by arithmetic that every processor has.
+struct WordBlock {
+    static constexpr std::size_t size = 8;
+    using Bits = std::uint64_t; ///< a bit for each character that was looked for
 
-inline Block loadBlock(char const* at) noexcept { return _mm_loadu_si128(reinterpret_cast<__m128i const*>(at)); }
+    explicit WordBlock(char const* at) noexcept { std::memcpy(&word_, at, size); }
 
-/// One bit for each character that is not plain, the first character's lowest.
-inline unsigned int notPlain(Block block) noexcept {
-    auto const quotes = _mm_cmpeq_epi8(block, _mm_set1_epi8('"'));
-    auto const escapes = _mm_cmpeq_epi8(block, _mm_set1_epi8('\\'));
-    auto const others = _mm_cmplt_epi8(block, _mm_set1_epi8(0x20)); // signed: what is not ASCII is negative
-    return static_cast<unsigned int>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(quotes, escapes), others)));
-}
+    Bits notPlain() const noexcept { return (word_ & highBits) | below(word_, ' ') | equalTo('"') | equalTo('\\'); }
+    Bits quotesAndEscapes() const noexcept { return equalTo('"') | equalTo('\\'); }
 
-/// One bit for each quote or backslash.
-inline unsigned int quotesAndEscapes(Block block) noexcept {
-    auto const quotes = _mm_cmpeq_epi8(block, _mm_set1_epi8('"'));
-    auto const escapes = _mm_cmpeq_epi8(block, _mm_set1_epi8('\\'));
-    return static_cast<unsigned int>(_mm_movemask_epi8(_mm_or_si128(quotes, escapes)));
-}
-
-inline std::size_t firstOf(unsigned int bits) noexcept { return static_cast<std::size_t>(__builtin_ctz(bits)); }
-#else
-constexpr std::size_t blockSize = 8;
-using Block = std::uint64_t;
-
-inline Block loadBlock(char const* at) noexcept {
-    Block block = 0;
-    std::memcpy(&block, at, sizeof block);
-    return block;
-}
-
-constexpr Block eachByte = 0x0101010101010101U;
-constexpr Block highBits = 0x8080808080808080U;
-
-/// The high bit of the first byte below `limit`, and of none before it; bytes behind it may have it wrongly.
-inline Block below(Block block, Block limit) noexcept { return (block - eachByte * limit) & ~block & highBits; }
-inline Block equalTo(Block block, char c) noexcept { return below(block ^ (eachByte * static_cast<Block>(c)), 1); }
-
-inline Block notPlain(Block block) noexcept {
-    return (block & highBits) | below(block, 0x20) | equalTo(block, '"') | equalTo(block, '\\');
-}
-
-inline Block quotesAndEscapes(Block block) noexcept { return equalTo(block, '"') | equalTo(block, '\\'); }
-
-inline std::size_t firstOf(Block bits) noexcept {
+    /// The first character whose bit is set; where bytes come the other way round, one that is not behind it.
+    static std::size_t firstOf(Bits bits) noexcept {
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    return static_cast<std::size_t>(__builtin_ctzll(bits)) / 8;
+        return static_cast<std::size_t>(__builtin_ctzll(bits)) / 8;
 #else
-    // The first byte is the highest here, and a borrow may have marked bytes before it: look again, byte by byte.
-    static_cast<void>(bits);
-    return 0;
+        // A borrow may have marked characters before it.
+        static_cast<void>(bits);
+        return 0;
 #endif
-}
+    }
+
+private:
+    static constexpr std::uint64_t eachByte = 0x0101010101010101U;
+    static constexpr std::uint64_t highBits = 0x8080808080808080U;
+
+    /// The high bit of the first byte below `limit`, and of none before it; bytes behind it may have it wrongly.
+    static Bits below(std::uint64_t word, std::uint64_t limit) noexcept {
+        return (word - eachByte * limit) & ~word & highBits;
+    }
+    Bits equalTo(char c) const noexcept { return below(word_ ^ (eachByte * static_cast<std::uint64_t>(c)), 1); }
+
+    std::uint64_t word_ = 0;
+};
+
+#if defined(__SSE2__)
+/// Sixteen characters at a time.
+struct SseBlock {
+    static constexpr std::size_t size = 16;
+    using Bits = unsigned int;
+
+    explicit SseBlock(char const* at) noexcept : block_(_mm_loadu_si128(reinterpret_cast<__m128i const*>(at))) {}
+
+    Bits notPlain() const noexcept {
+        auto const others = _mm_cmplt_epi8(block_, _mm_set1_epi8(' ')); // signed: what is not ASCII is negative
+        return bitsOf(_mm_or_si128(_mm_or_si128(equalTo('"'), equalTo('\\')), others));
+    }
+    Bits quotesAndEscapes() const noexcept { return bitsOf(_mm_or_si128(equalTo('"'), equalTo('\\'))); }
+
+    static std::size_t firstOf(Bits bits) noexcept { return static_cast<std::size_t>(__builtin_ctz(bits)); }
+
+private:
+    __m128i equalTo(char c) const noexcept { return _mm_cmpeq_epi8(block_, _mm_set1_epi8(c)); }
+    static Bits bitsOf(__m128i mask) noexcept { return static_cast<Bits>(_mm_movemask_epi8(mask)); }
+
+    __m128i block_;
+};
+
+using Block = SseBlock;
+#else
+using Block = WordBlock;
 #endif
 
 /// Steps over plain characters; `end` where all are.
-inline char const* skipPlain(char const* at, char const* end) noexcept {
-    for (; static_cast<std::size_t>(end - at) >= blockSize; at += blockSize) {
-        auto const bits = notPlain(loadBlock(at));
+template <class Block = scan::Block> char const* skipPlain(char const* at, char const* end) noexcept {
+    for (; static_cast<std::size_t>(end - at) >= Block::size; at += Block::size) {
+        auto const bits = Block(at).notPlain();
         if (bits != 0) {
-            at += firstOf(bits);
+            at += Block::firstOf(bits);
             break;
         }
     }
@@ -98,11 +104,11 @@ inline char const* skipPlain(char const* at, char const* end) noexcept {
 }
 
 /// The first quote or backslash; `end` where there is none.
-inline char const* findQuoteOrEscape(char const* at, char const* end) noexcept {
-    for (; static_cast<std::size_t>(end - at) >= blockSize; at += blockSize) {
-        auto const bits = quotesAndEscapes(loadBlock(at));
+template <class Block = scan::Block> char const* findQuoteOrEscape(char const* at, char const* end) noexcept {
+    for (; static_cast<std::size_t>(end - at) >= Block::size; at += Block::size) {
+        auto const bits = Block(at).quotesAndEscapes();
         if (bits != 0) {
-            at += firstOf(bits);
+            at += Block::firstOf(bits);
             break;
         }
     }
