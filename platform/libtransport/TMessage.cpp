@@ -10,7 +10,10 @@
 #include <boost/uuid/nil_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
+#include <cstdint>
+#include <limits>
 #include <ostream>
+#include <utility>
 
 namespace zorv {
 
@@ -24,8 +27,34 @@ struct TMessage::Wire {
         member<&TMessage::correlation_>("identity of the request that it answers"));
 };
 
+namespace {
+
+thread_local bool nextIsRead = false;
+
+/// Stands for an identity that has not been read. A text cannot have it: nobody else knows it.
+boost::uuids::uuid const& unreadIdentity() {
+    static boost::uuids::uuid const identity = freshIdentity();
+    return identity;
+}
+
+/// Stands for a time that has not been read: no text reaches so far.
+constexpr auto unreadTime = std::numeric_limits<std::int64_t>::min();
+
+} // namespace
+
+TMessage::NextIsRead::NextIsRead() noexcept { nextIsRead = true; }
+
+TMessage::NextIsRead::~NextIsRead() { nextIsRead = false; }
+
 TMessage::TMessage()
-    : Serializable(1), id_(freshIdentity()), timestamp_(TimeStamp::now()), correlation_(boost::uuids::nil_uuid()) {}
+    : Serializable(1), id_(unreadIdentity()), timestamp_(unreadTime), correlation_(boost::uuids::nil_uuid()) {
+    if (!std::exchange(nextIsRead, false)) { drawMissing(); } // the next one: not another that this one makes in turn
+}
+
+void TMessage::drawMissing() {
+    if (id_ == unreadIdentity()) { id_ = freshIdentity(); }
+    if (timestamp_ == TimeStamp(unreadTime)) { timestamp_ = TimeStamp::now(); }
+}
 
 void TMessage::serialInserter(Serializer& s) const { insertFrame<NoBase>(s, serialName(), *this, Wire::members); }
 

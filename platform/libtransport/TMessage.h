@@ -24,6 +24,19 @@ public:
     /// A new message: with a fresh identity and the present time, of normal priority, without a role.
     TMessage();
 
+    /// The next message that its thread makes is about to be read, and draws its identity and its time only where the
+    /// text does not have them: drawMissing() does.
+    class ZORV_EXPORT NextIsRead {
+    public:
+        NextIsRead() noexcept;
+        ~NextIsRead();
+        NextIsRead(NextIsRead const&) = delete;
+        NextIsRead& operator=(NextIsRead const&) = delete;
+    };
+
+    /// Draws what a message that was made to be read has not found in its text.
+    void drawMissing();
+
     /// Writes the header as the innermost frame, the one whose bases array is empty.
     void serialInserter(Serializer& s) const override;
     void serialExtract(Serializer& s) override;

@@ -86,6 +86,44 @@ TEST(TMessage, ReadsEveryMemberOfItsHeader) {
     EXPECT_EQ(boost::uuids::to_string(message.correlation()), "66666666-7777-4888-9999-aaaaaaaaaaaa");
 }
 
+TEST(TMessage, DrawsTheIdentityAndTheTimeThatItsTextDoesNotHave) {
+    auto const before = TimeStamp::now();
+    auto const first = readBack<PingMsg>(R"({"__name__":"zorv::PingMsg"})");
+    auto const second = readBack<PingMsg>(R"({"__name__":"zorv::PingMsg"})");
+    auto const after = TimeStamp::now();
+    EXPECT_EQ(first->id().version(), boost::uuids::uuid::version_random_number_based);
+    EXPECT_NE(first->id(), second->id());
+    EXPECT_FALSE(first->timestamp() < before);
+    EXPECT_FALSE(after < first->timestamp());
+    auto const fresh = PingMsg::create(ZwaveAddress());
+    EXPECT_NE(fresh->id(), first->id());
+    EXPECT_FALSE(fresh->timestamp() < first->timestamp());
+}
+
+TEST(TMessage, DrawsOnlyWhatItsTextDoesNotHave) {
+    auto const withHeader = [](std::string const& members) {
+        return readBack<PingMsg>(
+            R"({"__name__":"zorv::PingMsg","__bases__":[{"__name__":"zorv::Confirmable","__bases__":)"
+            R"([{"__name__":"zorv::TConfirmable","__bases__":[{"__name__":"zorv::TMessage",)" +
+            members + "}]}]}]}");
+    };
+    auto const nil = withHeader(R"("id_":"00000000-0000-0000-0000-000000000000")");
+    EXPECT_TRUE(nil->id().is_nil());
+    EXPECT_TRUE(TimeStamp() < nil->timestamp());
+    auto const start = withHeader(R"("timestamp_":"1970-01-01T00:00:00.000Z")");
+    EXPECT_FALSE(start->id().is_nil());
+    EXPECT_EQ(start->timestamp(), TimeStamp());
+}
+
+TEST(TMessage, DrawsAnIdentityAfterAMessageThatCouldNotBeRead) {
+    EXPECT_EQ(errorOf([] { readBack<PingMsg>(R"({"__name__":"zorv::PingMsg","latencyMs_":true})"); }),
+              "SerializerError: latencyMs_: expected unsigned int, got boolean");
+    auto const first = PingMsg::create(ZwaveAddress());
+    auto const second = PingMsg::create(ZwaveAddress());
+    EXPECT_NE(first->id(), second->id());
+    EXPECT_TRUE(TimeStamp() < first->timestamp());
+}
+
 TEST(TMessage, WritesAnIPv6SourceInBrackets) {
     TMessage message;
     message.source(endpoint("2001:db8::7", 4711));

@@ -23,7 +23,7 @@ template <class Self, class Base> boost::shared_ptr<TConfirmable> CloneOf<Self, 
 }
 
 template <class Self, class Base> void MessageOf<Self, Base>::serialInserter(Serializer& s) const {
-    insertFrame<Base>(s, serialName(), self(), Self::Wire::members);
+    insertFrame<Base>(s, Self::registrar.serialName(), self(), Self::Wire::members);
 }
 
 template <class Self, class Base> void MessageOf<Self, Base>::serialExtract(Serializer& s) {
@@ -32,7 +32,17 @@ template <class Self, class Base> void MessageOf<Self, Base>::serialExtract(Seri
 
 template <class Self, class Base>
 Serializable* MessageOf<Self, Base>::serialFactory(Serializer& s, Serializable* target) {
-    return extractOrMake(s, target, [] { return std::make_unique<Self>(); });
+    if (target != nullptr) {
+        target->serialExtract(s);
+        return target;
+    }
+    auto message = [] {
+        TMessage::NextIsRead const scope;
+        return std::make_unique<Self>();
+    }();
+    message->serialExtract(s);
+    message->drawMissing();
+    return message.release();
 }
 
 template <class Self, class Base> void MessageOf<Self, Base>::print(std::ostream& os) const {
