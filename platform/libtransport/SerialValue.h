@@ -13,9 +13,11 @@
 #include <boost/unordered_map.hpp>
 #include <boost/uuid/uuid.hpp>
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -27,7 +29,8 @@ namespace zorv {
 // ---- enumerations: their text
 
 template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operator<<(Serializer& s, Enum value) {
-    return s << toString(value);
+    write(s, value);
+    return s;
 }
 
 template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operator>>(Serializer& s, Enum& value) {
@@ -38,6 +41,41 @@ template <class Enum> std::enable_if_t<std::is_enum_v<Enum>, Serializer&> operat
     } catch (InvalidEnumError const& error) { s.fail(error); }
     s.drop();
     return s;
+}
+
+// ---- members of tables: what needs not be selected to be read
+
+/// Whether readMember() takes members of this type.
+template <class T> constexpr bool hasShortReading =
+    std::is_enum_v<T> || (std::is_integral_v<T> && !std::is_same_v<T, char>) || std::is_same_v<T, std::string> ||
+    std::is_same_v<T, TimeStamp> || std::is_same_v<T, boost::uuids::uuid> || std::is_same_v<T, TcpEndpointValue>;
+
+template <class T> std::enable_if_t<std::is_integral_v<T> || std::is_same_v<T, std::string>>
+readMember(Serializer& s, std::string_view key, T& value) {
+    s.read(key, value);
+}
+
+template <class Enum>
+std::enable_if_t<std::is_enum_v<Enum>> readMember(Serializer& s, std::string_view key, Enum& value) {
+    auto const text = s.nextText(key);
+    if (text.data() != nullptr && tryParse(text, value)) {
+        s.passText(text);
+    } else {
+        s.enter(key) >> value;
+    }
+}
+
+ZORV_EXPORT void readMember(Serializer& s, std::string_view key, TimeStamp& value);
+ZORV_EXPORT void readMember(Serializer& s, std::string_view key, boost::uuids::uuid& value);
+ZORV_EXPORT void readMember(Serializer& s, std::string_view key, TcpEndpointValue& value);
+
+/// The same for the next element of an array, which has that number.
+template <class T> void readElement(Serializer& s, std::size_t index, T& value) {
+    if constexpr (std::is_enum_v<T>) {
+        auto const text = s.nextText({});
+        if (text.data() != nullptr && tryParse(text, value)) { return s.passText(text); }
+    }
+    s.element(index) >> value;
 }
 
 // ---- header values: their text
@@ -146,9 +184,9 @@ template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Ma
         if (s.size() < 2) { s.fail("expected a key and a value, got " + std::to_string(s.size()) + " elements"); }
         typename Map::key_type key{};
         typename Map::mapped_type value{};
-        s.element(0) >> key;
-        s.element(1) >> value;
-        map.emplace(std::move(key), std::move(value));
+        readElement(s, 0, key);
+        readElement(s, 1, value);
+        map.emplace_hint(map.end(), std::move(key), std::move(value)); // a sorted map is written in its order
         s >> finished;
     }
     return s >> finished;

@@ -12,7 +12,7 @@
 
 #include <charconv>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 // The writer; SerializerReader.cpp has the reader.
 
@@ -24,17 +24,23 @@ FrameKey const Serializer::bases("__bases__");
 Serializer::Serializer() = default;
 Serializer::~Serializer() = default;
 
+void Serializer::refuseMoreValues() {
+    throw SerializerError("more than " + std::to_string(limits::maxValues) + " values");
+}
+
+void Serializer::refuseDeeper() {
+    throw SerializerError("nested deeper than " + std::to_string(limits::maxDepth) + " levels");
+}
+
 Serializer& Serializer::append(char c) {
-    if (!reading_) { text_ += c; }
+    if (!reading_) { written_.append(c); }
     return *this;
 }
 
 Serializer& Serializer::open(char bracket) {
     if (reading_) { return *this; }
     count();
-    if (++depth_ > limits::maxDepth) {
-        throw SerializerError("nested deeper than " + std::to_string(limits::maxDepth) + " levels");
-    }
+    deepen();
     return append(bracket);
 }
 
@@ -43,63 +49,58 @@ Serializer& Serializer::close(char bracket) {
     return append(bracket);
 }
 
-/// Counts a value, or a key until its colon: a reader would refuse more.
-void Serializer::count() {
-    if (++values_ > limits::maxValues) {
-        throw SerializerError("more than " + std::to_string(limits::maxValues) + " values");
-    }
+Serializer& Serializer::openFrame(std::string_view serialName) {
+    count();
+    deepen();
+    writeRaw(R"({"__name__":)").writePlain(serialName);
+    count();
+    deepen();
+    return writeRaw(R"(,"__bases__":[)");
 }
 
 Serializer& Serializer::operator<<(bool value) {
     count();
-    text_ += value ? "true" : "false";
-    return *this;
+    return value ? writeRaw("true") : writeRaw("false");
 }
 
-Serializer& Serializer::operator<<(int value) {
+template <class Number> Serializer& Serializer::writeNumber(Number value) {
+    constexpr std::size_t most = 32; // more than any of them has
     count();
-    char digits[std::numeric_limits<int>::digits10 + 3];
-    text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    auto* const begin = written_.room(most);
+    written_.took(std::to_chars(begin, begin + most, value).ptr);
     return *this;
 }
 
-Serializer& Serializer::operator<<(unsigned int value) {
-    count();
-    char digits[std::numeric_limits<unsigned int>::digits10 + 2];
-    text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-    return *this;
-}
+Serializer& Serializer::operator<<(int value) { return writeNumber(value); }
 
-Serializer& Serializer::operator<<(unsigned char value) { return *this << static_cast<unsigned int>(value); }
+Serializer& Serializer::operator<<(unsigned int value) { return writeNumber(value); }
 
-Serializer& Serializer::operator<<(unsigned short value) { return *this << static_cast<unsigned int>(value); }
+Serializer& Serializer::operator<<(unsigned char value) { return writeNumber(static_cast<unsigned int>(value)); }
+
+Serializer& Serializer::operator<<(unsigned short value) { return writeNumber(static_cast<unsigned int>(value)); }
 
 Serializer& Serializer::operator<<(double value) {
     if (!std::isfinite(value)) { throw SerializerError("cannot write a number that is not finite"); }
-    count();
-    char digits[32];
-    text_.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+    writeNumber(value);
     // A whole number would lose the sign of its zero.
-    if (value == 0 && std::signbit(value)) { text_ += ".0"; }
+    if (value == 0 && std::signbit(value)) { writeRaw(".0"); }
     return *this;
 }
 
 Serializer& Serializer::write(std::string_view value) {
-    count();
-    if (!escape_) {
-        escape_ = true;
-        ((text_ += '"') += value) += '"';
-    } else if (!appendQuoted(text_, value)) {
-        throw SerializerError("cannot write a text that is not UTF-8");
+    if (std::exchange(escape_, true)) {
+        count();
+        if (!appendQuoted(written_, value)) { throw SerializerError("cannot write a text that is not UTF-8"); }
+        return *this;
     }
-    return *this;
+    return writePlain(value);
 }
 
 Serializer& Serializer::writeReference(Serializable const& object) {
     static constexpr std::string_view opening = R"({"__name__":")";
-    auto const start = text_.size();
+    auto const start = written_.size();
     object.serialInserter(*this);
-    auto written = std::string_view(text_).substr(start);
+    auto written = std::string_view(written_.all()).substr(start);
     if (written.substr(0, opening.size()) != opening) { throw SerializerError("object without a \"" + name + '"'); }
     written.remove_prefix(opening.size());
     auto const className = written.substr(0, written.find('"'));
@@ -124,7 +125,7 @@ Serializer& comma(Serializer& s) { return s.append(','); }
 Serializer& null(Serializer& s) {
     if (!s.reading_) {
         s.count();
-        s.text_ += "null";
+        s.writeRaw("null");
     }
     return s;
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "platform/Export.h"
+#include "platform/libtransport/TextBuffer.h"
+#include "platform/libtransport/limits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -56,8 +58,8 @@ public:
     ~Serializer();
 
     /// What has been written so far.
-    std::string const& str() const& noexcept { return text_; }
-    std::string str() && noexcept { return std::move(text_); }
+    std::string const& str() const& { return written_.all(); }
+    std::string str() && { return written_.take(); }
 
     Serializer& operator<<(bool value);
     Serializer& operator<<(int value);
@@ -79,6 +81,46 @@ public:
     /// Writes a JSON string.
     Serializer& write(std::string_view value);
 
+    // What the member tables are written with: texts that are JSON as they stand, put down without a look into them.
+
+    /// Writes punctuation, and parts of a string that has nothing to escape.
+    Serializer& writeRaw(std::string_view json) {
+        written_.append(json);
+        return *this;
+    }
+
+    /// Writes a key with all that stands between the value before it and its own.
+    Serializer& writeKey(std::string_view key) {
+        escape_ = true;
+        return writeRaw(key);
+    }
+
+    /// Writes the quote before a string that has nothing to escape.
+    Serializer& openPlain() {
+        count();
+        escape_ = true;
+        return writeRaw("\"");
+    }
+
+    /// Writes a string that has nothing to escape.
+    Serializer& writePlain(std::string_view value) { return openPlain().writeRaw(value).writeRaw("\""); }
+
+    /// Writes a string of at most `most` characters, which have nothing to escape; `put` puts them where it is told, and
+    /// says where they end. Where it throws, nothing is written.
+    template <class Put> Serializer& writePlain(std::size_t most, Put put) {
+        auto* const begin = written_.room(most + 2);
+        char* const end = put(begin + 1);
+        count();
+        *begin = '"';
+        *end = '"';
+        written_.took(end + 1);
+        escape_ = true;
+        return *this;
+    }
+
+    /// Opens an object and the array of its bases.
+    Serializer& openFrame(std::string_view serialName);
+
     /// Writes an object that is read back by its serial name, which has to be registered.
     Serializer& writeReference(Serializable const& object);
 
@@ -98,6 +140,28 @@ public:
     Serializer& operator>>(double& value);
     Serializer& operator>>(std::string& value);
     Serializer& operator>>(Manipulator manipulator) { return manipulator(*this); }
+
+    // What the member tables are read with: select() and the reading of a value in one step, which is short where the
+    // member is the next one of the selected object and is written as the writer writes it. A key is given as it is
+    // written before a value, with the quotes and the colon: "latencyMs_":
+
+    Serializer& read(std::string_view key, bool& value);
+    Serializer& read(std::string_view key, int& value);
+    Serializer& read(std::string_view key, unsigned int& value);
+    Serializer& read(std::string_view key, unsigned char& value);
+    Serializer& read(std::string_view key, unsigned short& value);
+    Serializer& read(std::string_view key, std::string& value);
+
+    /// Selects the member.
+    Serializer& enter(std::string_view key);
+
+    /// The member's text, where it is the next one and a string without escapes: passText() takes it. Of an array, with
+    /// an empty key, the next element. A null pointer where it is anything else, which the long way finds.
+    std::string_view nextText(std::string_view key) const;
+    void passText(std::string_view text);
+
+    /// Selects the array of bases, and the entry with that serial name in it.
+    Serializer& enterBase(std::string_view serialName);
 
     /// Builds a new object of the class that the selected object names; the caller owns it.
     ///
@@ -165,7 +229,7 @@ private:
     /// A step's position in the text.
     struct Step {
         std::uint32_t at = 0;     ///< place of a value, or of a key
-        std::uint32_t extent = 0; ///< number of the first object or array that opens there or later
+        std::uint32_t extent = 0; ///< number of the first object, array or long string that begins there or later
 
         bool isNowhere() const noexcept { return at == nowhere.at; }
     };
@@ -179,10 +243,28 @@ private:
         bool isBases = false;    ///< the array of an object's bases
     };
 
+    /// A string of the text.
+    struct String {
+        std::string_view text; ///< between the quotes, as it is written
+        bool hasEscape = false;
+        Step behind;
+    };
+
     Serializer& append(char c);
     Serializer& open(char bracket);
     Serializer& close(char bracket);
-    void count();
+    template <class Number> Serializer& writeNumber(Number value);
+
+    /// Counts a value: a reader would refuse more.
+    void count() {
+        if (++values_ > limits::maxValues) { refuseMoreValues(); }
+    }
+    void deepen() {
+        if (++depth_ > limits::maxDepth) { refuseDeeper(); }
+    }
+    [[noreturn]] static void refuseMoreValues();
+    [[noreturn]] static void refuseDeeper();
+
     void check(std::string const& text);
 
     char const* at(Step step) const noexcept { return begin_ + step.at; }
@@ -194,10 +276,16 @@ private:
     Place& top() noexcept { return stack_.back(); }
     Place placeOf(Step value) const;
     void pop(Step behind);
+    Step behindSelection() const;
 
-    char const* skipString(char const* first) const;
+    char const* valueOfNext(std::string_view key) const noexcept;
+    void goOn(char const* behind);
+    template <class Integer> Serializer& readMember(std::string_view key, Integer& value);
+
+    String stringAt(Step step) const;
+    static bool isText(String const& string, std::string_view text);
     char const* skipKey(char const* at, std::string_view key) const;
-    Step skipColon(char const* at, std::uint32_t extent) const;
+    Step skipColon(Step behindKey) const;
     Step firstIn(Step value) const;
     char const* endOf(Step value) const;
     Step behind(Step value) const;
@@ -219,11 +307,12 @@ private:
     std::size_t depth_ = 0;       // of the open objects and arrays that are written
     std::size_t values_ = 0;      // that have been written
     std::string knownClass_;      // a serial name that was found in the registry
-    std::string text_;            // that is written, or that the reader owns
+    mutable TextBuffer written_;  // changes, but not its text, where that is asked for
+    std::string text_;            // that the reader owns
     std::string unescaped_;       // the string that was asked for last, where it has escapes
     char const* begin_ = nullptr; // of the text that is read
     char const* end_ = nullptr;
-    std::vector<Extent> extents_; // of all objects and arrays of the text
+    std::vector<Extent> extents_; // of all objects, arrays and long strings of the text
     std::vector<Place> stack_;    // from the root to the selection
     std::unique_ptr<Json::Value> node_;
 };

@@ -8,10 +8,14 @@
 #include "platform/libtransport/json/scan.h"
 #include "platform/libtransport/json/strings.h"
 #include "platform/libtransport/json/toJsonValue.h"
+#include "platform/libtransport/limits.h"
 #include "platform/libtransport/throwInvalidEnum.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
+#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -27,18 +31,6 @@ using scan::skipBlanks;
 
 std::string_view between(char const* begin, char const* end) noexcept {
     return {begin, static_cast<std::size_t>(end - begin)};
-}
-
-/// The characters of a string that ends before `behind`, without its quotes.
-std::string_view inQuotes(char const* first, char const* behind) noexcept { return between(first + 1, behind - 1); }
-
-bool hasEscape(std::string_view string) noexcept { return string.find('\\') != std::string_view::npos; }
-
-bool isText(std::string_view string, std::string_view text) {
-    if (!hasEscape(string)) { return string == text; }
-    std::string unescaped;
-    appendUnescaped(unescaped, string);
-    return unescaped == text;
 }
 
 } // namespace
@@ -82,6 +74,14 @@ void Serializer::pop(Step behind) {
     ++top().index;
 }
 
+/// The place behind the selection, which is not absent. Of an object or array that has been read to its end it is known.
+Serializer::Step Serializer::behindSelection() const {
+    auto const& place = stack_.back();
+    auto const first = *at(place.value);
+    bool const isRead = (first == '{' || first == '[') && (*at(place.next) == '}' || *at(place.next) == ']');
+    return isRead ? Step{place.next.at + 1, place.next.extent} : behind(place.value);
+}
+
 void Serializer::rewind() {
     stack_.clear();
     stack_.push_back(placeOf(stepTo(skipBlanks(begin_), 0)));
@@ -89,7 +89,7 @@ void Serializer::rewind() {
 
 void Serializer::drop() {
     if (selected() != nullptr) {
-        pop(behind(top().value));
+        pop(behindSelection());
     } else if (!stack_.empty()) {
         stack_.pop_back();
     }
@@ -103,23 +103,33 @@ bool Serializer::skipAbsent() {
 
 // ---- steps through the text
 
-char const* Serializer::skipString(char const* first) const {
-    auto const* at = scan::findQuoteOrEscape(first + 1, end_);
-    while (*at == '\\') { at = scan::findQuoteOrEscape(at + 2, end_); }
-    return at + 1;
+/// The string at a step. A short one is searched for its end; where a longer one ends has been noted.
+Serializer::String Serializer::stringAt(Step step) const {
+    auto const* const first = at(step) + 1;
+    auto const* const limit =
+        static_cast<std::size_t>(end_ - first) > limits::longestShort + 1 ? first + limits::longestShort + 1 : end_;
+    bool escaped = false;
+    auto const* at = scan::findQuoteOrEscape(first, limit);
+    while (at < limit && *at == '\\') {
+        escaped = true;
+        at = at + 2 < limit ? scan::findQuoteOrEscape(at + 2, limit) : limit;
+    }
+    if (at < limit) { return {between(first, at), escaped, stepTo(at + 1, step.extent)}; }
+    auto const& extent = extents_[step.extent];
+    return {between(first, begin_ + extent.end), extent.count != 0, {extent.end + 1, extent.next}};
 }
 
-/// Steps over the key at `at` where that is written like `key`, which has no escapes; null where it is not.
+/// Steps over the key at `at` where that is short and written like `key`, which has no escapes; null where it is not.
 char const* Serializer::skipKey(char const* at, std::string_view key) const {
     auto const length = key.size() + 2; // with its quotes
-    bool const same = static_cast<std::size_t>(end_ - at) > length && at[0] == '"' && at[length - 1] == '"' &&
-                      std::memcmp(at + 1, key.data(), key.size()) == 0;
+    bool const same = key.size() <= limits::longestShort && static_cast<std::size_t>(end_ - at) > length &&
+                      at[0] == '"' && at[length - 1] == '"' && std::memcmp(at + 1, key.data(), key.size()) == 0;
     return same ? at + length : nullptr;
 }
 
 /// Steps from behind a key to its value.
-Serializer::Step Serializer::skipColon(char const* at, std::uint32_t extent) const {
-    return stepTo(skipBlanks(skipBlanks(at) + 1), extent);
+Serializer::Step Serializer::skipColon(Step behindKey) const {
+    return stepTo(skipBlanks(skipBlanks(at(behindKey)) + 1), behindKey.extent);
 }
 
 /// The first member or element of an object or array, or its closing bracket.
@@ -133,7 +143,7 @@ Serializer::Step Serializer::behind(Step value) const {
     switch (*first) {
     case '{':
     case '[': return {extents_[value.extent].end + 1, extents_[value.extent].next};
-    case '"': return stepTo(skipString(first), value.extent);
+    case '"': return stringAt(value).behind;
     default: return stepTo(skipScalar(first, end_), value.extent);
     }
 }
@@ -156,12 +166,20 @@ void Serializer::stepTo(Place& array, std::size_t index) const {
 
 // ---- selecting
 
+/// Whether a string stands for a text.
+bool Serializer::isText(String const& string, std::string_view text) {
+    if (!string.hasEscape) { return string.text == text; }
+    std::string unescaped;
+    appendUnescaped(unescaped, string.text);
+    return unescaped == text;
+}
+
 /// Looks for a member's value, from one member on and up to a place of the text.
 Serializer::Step Serializer::findFrom(Step step, char const* last, std::string_view key) const {
     while (at(step) < last) {
-        auto const* const behindKey = skipString(at(step));
-        auto const value = skipColon(behindKey, step.extent);
-        if (isText(inQuotes(at(step), behindKey), key)) { return value; }
+        auto const candidate = stringAt(step);
+        auto const value = skipColon(candidate.behind);
+        if (isText(candidate, key)) { return value; }
         step = separated(behind(value));
     }
     return nowhere;
@@ -170,7 +188,7 @@ Serializer::Step Serializer::findFrom(Step step, char const* last, std::string_v
 /// Looks for a member's value where the object is read next, then behind that, then before it.
 Serializer::Step Serializer::find(Place const& object, std::string_view key) const {
     auto const* const next = at(object.next);
-    if (auto const* const behindKey = skipKey(next, key)) { return skipColon(behindKey, object.next.extent); }
+    if (auto const* const behindKey = skipKey(next, key)) { return skipColon(stepTo(behindKey, object.next.extent)); }
     auto const found = findFrom(object.next, endOf(object.value), key);
     return found.isNowhere() ? findFrom(firstIn(object.value), next, key) : found;
 }
@@ -182,9 +200,9 @@ void Serializer::selectBase(Place& array, std::string_view serialName) {
         auto entry = placeOf(array.next);
         auto const className = find(entry, name);
         if (className.isNowhere() || *at(className) != '"') { continue; }
-        auto const behindName = behind(className);
-        if (!isText(inQuotes(at(className), at(behindName)), serialName)) { continue; }
-        entry.next = separated(behindName);
+        auto const found = stringAt(className);
+        if (!isText(found, serialName)) { continue; }
+        entry.next = separated(found.behind);
         stack_.push_back(entry);
         return;
     }
@@ -233,6 +251,142 @@ Serializer& Serializer::element(std::size_t index) {
 bool Serializer::isNull() const noexcept { return is('n'); }
 
 bool Serializer::isArray() const noexcept { return is('['); }
+
+// ---- the next member
+
+namespace {
+
+/// Whether a text begins with a key of at least four characters. A call to compare so few would take as long as the rest
+/// of a member's reading: they are compared by words, of which the last one may overlap the one before it.
+bool beginsWith(char const* at, std::string_view key) noexcept {
+    using Word = std::size_t;
+    auto const differ = [&](auto word, std::size_t place) {
+        auto expected = word;
+        std::memcpy(&word, at + place, sizeof word);
+        std::memcpy(&expected, key.data() + place, sizeof expected);
+        return word != expected;
+    };
+    if (key.size() < sizeof(Word)) {
+        return !differ(std::uint32_t(), 0) && !differ(std::uint32_t(), key.size() - sizeof(std::uint32_t));
+    }
+    for (std::size_t place = 0; place + sizeof(Word) < key.size(); place += sizeof(Word)) {
+        if (differ(Word(), place)) { return false; }
+    }
+    return !differ(Word(), key.size() - sizeof(Word));
+}
+
+/// A key without its quotes and its colon.
+std::string_view bare(std::string_view key) noexcept { return key.substr(1, key.size() - 3); }
+
+bool endsScalar(char c) noexcept { return c == ',' || c == '}' || c == ']'; }
+
+/// Reads up to nine digits, which fit any 32 bits, up to what ends a scalar; null where it is another number.
+char const* readDigits(char const* at, unsigned int& value) noexcept {
+    unsigned int read = 0;
+    for (auto const* const limit = at + 9; scan::isDigit(*at); ++at) {
+        if (at == limit) { return nullptr; }
+        read = read * 10 + static_cast<unsigned int>(*at - '0');
+    }
+    value = read;
+    return endsScalar(*at) ? at : nullptr;
+}
+
+} // namespace
+
+/// Where the value of the next member begins, if that has the key and no blanks around it; else null.
+///
+/// Only in an object is a string followed by a colon, so that nothing else can be taken for it.
+char const* Serializer::valueOfNext(std::string_view key) const noexcept {
+    if (stack_.empty()) { return nullptr; }
+    auto const* const next = at(stack_.back().next);
+    bool const has = static_cast<std::size_t>(end_ - next) > key.size() && beginsWith(next, key);
+    return has ? next + key.size() : nullptr;
+}
+
+/// Goes on behind a scalar member or element of the selection.
+void Serializer::goOn(char const* behind) {
+    auto& place = top();
+    if (*behind == ',' && !scan::isBlank(behind[1])) {
+        place.next.at = static_cast<std::uint32_t>(behind + 1 - begin_);
+    } else {
+        place.next = separated(stepTo(behind, place.next.extent));
+    }
+    ++place.index;
+}
+
+template <class Integer> Serializer& Serializer::readMember(std::string_view key, Integer& value) {
+    unsigned int number = 0;
+    if (auto const* const at = valueOfNext(key)) {
+        auto const* const behind = readDigits(at, number);
+        if (behind != nullptr && behind != at &&
+            number <= static_cast<unsigned int>(std::numeric_limits<Integer>::max())) {
+            value = static_cast<Integer>(number);
+            goOn(behind);
+            return *this;
+        }
+    }
+    return select(bare(key)) >> value;
+}
+
+Serializer& Serializer::read(std::string_view key, int& value) { return readMember(key, value); }
+Serializer& Serializer::read(std::string_view key, unsigned int& value) { return readMember(key, value); }
+Serializer& Serializer::read(std::string_view key, unsigned char& value) { return readMember(key, value); }
+Serializer& Serializer::read(std::string_view key, unsigned short& value) { return readMember(key, value); }
+
+Serializer& Serializer::read(std::string_view key, bool& value) {
+    auto const* const at = valueOfNext(key);
+    if (at == nullptr || (*at != 't' && *at != 'f')) { return select(bare(key)) >> value; }
+    value = *at == 't';
+    goOn(at + (value ? 4 : 5));
+    return *this;
+}
+
+Serializer& Serializer::read(std::string_view key, std::string& value) {
+    auto const text = nextText(key);
+    if (text.data() == nullptr) { return select(bare(key)) >> value; }
+    value = text;
+    passText(text);
+    return *this;
+}
+
+std::string_view Serializer::nextText(std::string_view key) const {
+    auto const* const first = key.empty() ? at(stack_.back().next) : valueOfNext(key);
+    if (first == nullptr || *first != '"') { return {}; }
+    auto const size = std::min(static_cast<std::size_t>(end_ - first) - 1, limits::longestShort + 1);
+    auto const* const last = scan::findQuoteOrEscape(first + 1, first + 1 + size);
+    return *last == '"' ? between(first + 1, last) : std::string_view();
+}
+
+void Serializer::passText(std::string_view text) { goOn(text.data() + text.size() + 1); }
+
+Serializer& Serializer::enter(std::string_view key) {
+    auto const* const at = valueOfNext(key);
+    if (at == nullptr) { return select(bare(key)); }
+    stack_.push_back(placeOf(stepTo(at, top().next.extent)));
+    return *this;
+}
+
+Serializer& Serializer::enterBase(std::string_view serialName) {
+    static constexpr std::string_view bracket = R"("__bases__":)";
+    static constexpr std::string_view opening = R"("__bases__":[{"__name__":")";
+    auto const* const begin = valueOfNext(opening);
+    auto const size = serialName.size();
+    bool const has = begin != nullptr && size <= limits::longestShort &&
+                     static_cast<std::size_t>(end_ - begin) > size &&
+                     std::memcmp(begin, serialName.data(), size) == 0 && begin[size] == '"';
+    if (!has) { return select(bases).select(serialName); }
+    auto const extent = top().next.extent; // of the array; the entry's is the next one
+    Place array;
+    array.value = stepTo(begin - opening.size() + bracket.size(), extent);
+    array.next = {array.value.at + 1, extent + 1};
+    array.isBases = true;
+    Place entry;
+    entry.value = array.next;
+    entry.next = separated(stepTo(begin + size + 1, extent + 2));
+    stack_.push_back(array);
+    stack_.push_back(entry);
+    return *this;
+}
 
 // ---- values
 
@@ -289,11 +443,10 @@ Serializer& Serializer::operator>>(std::string& value) {
 
 std::string_view Serializer::text() {
     if (!is('"')) { failExpected("string"); }
-    auto const* const first = at(top().value);
-    auto const string = inQuotes(first, skipString(first));
-    if (!hasEscape(string)) { return string; }
+    auto const string = stringAt(top().value);
+    if (!string.hasEscape) { return string.text; }
     unescaped_.clear();
-    appendUnescaped(unescaped_, string);
+    appendUnescaped(unescaped_, string.text);
     return unescaped_;
 }
 
@@ -301,10 +454,15 @@ Serializable* Serializer::deserialize() {
     if (!is('{')) { failExpected("object"); }
     auto const depth = stack_.size();
     auto const object = top().value;
-    select(name);
-    if (skipAbsent()) { fail("object without a \"" + name + '"'); }
-    auto const className = text();
-    drop();
+    auto className = nextText(R"("__name__":)");
+    if (className.data() != nullptr) {
+        passText(className);
+    } else {
+        select(name);
+        if (skipAbsent()) { fail("object without a \"" + name + '"'); }
+        className = text();
+        drop();
+    }
     if (className.empty()) { fail("object without a \"" + name + '"'); }
     auto const factory = SerialRegistry::find(className);
     if (!factory) { fail("unknown class \"" + std::string(className) + '"'); }
@@ -348,11 +506,11 @@ char const* Serializer::nameOfType(int type) {
 /// The key of a member whose value begins there.
 std::string Serializer::keyOf(Step member, Step object) const {
     for (auto step = firstIn(object); at(step) < at(member);) {
-        auto const* const behindKey = skipString(at(step));
-        auto const value = skipColon(behindKey, step.extent);
+        auto const found = stringAt(step);
+        auto const value = skipColon(found.behind);
         if (value.at == member.at) {
             std::string key;
-            appendUnescaped(key, inQuotes(at(step), behindKey));
+            appendUnescaped(key, found.text);
             return key;
         }
         step = separated(behind(value));

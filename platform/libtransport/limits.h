@@ -17,6 +17,10 @@ constexpr std::size_t maxValues = std::size_t{1} << 20;
 /// all collide, and enough of them to stop this process for minutes.
 constexpr std::size_t maxPairs = 4096;
 
+/// Most characters between the quotes of a short string, escapes counted as they are written. The check of a text notes
+/// where longer ones end, so that they are not searched for it again.
+constexpr std::size_t longestShort = 64;
+
 /// Most bytes: places in a text are kept in 32 bits.
 constexpr std::uint64_t maxBytes = std::uint64_t{0xFFFFFFFF} - 1;
 

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <deque>
 #include <string_view>
@@ -32,8 +34,20 @@ using scan::skipBlanks;
 
 /// A key of an object, without its escapes.
 struct Key {
-    char const* at = nullptr; // its first quote
+    Key(char const* theAt, std::string_view theText) : at(theAt), text(theText), mark(markOf(theText)) {}
+
+    static std::uint32_t markOf(std::string_view text) noexcept {
+        auto const size = static_cast<std::uint32_t>(text.size());
+        if (text.empty()) { return size; }
+        auto const bits = [](char c) { return static_cast<std::uint32_t>(static_cast<unsigned char>(c)); };
+        return size ^ bits(text.front()) << 24U ^ bits(text.back()) << 16U;
+    }
+
+    bool operator==(Key const& other) const { return mark == other.mark && text == other.text; }
+
+    char const* at; // its first quote
     std::string_view text;
+    std::uint32_t mark; // equal where the keys are equal, and seldom where they are not
 };
 
 /// Up to so many keys of an object are compared each with each, which is faster than anything else for a few.
@@ -46,7 +60,7 @@ public:
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): firstKeys_ is written at each depth before it is read there
     explicit TextCheck(std::string const& text) : text_(text), end_(text.data() + text.size()) {
         // A usual text has an object or an array every forty bytes; one reservation is enough for it.
-        shape_.extents.reserve(text.size() / 16 + 16);
+        shape_.extents.reserve(text.size() / 32 + 16);
     }
 
     TextShape take() {
@@ -93,7 +107,7 @@ private:
         }
         auto const count = keys_.size() - firstKey;
         if (count > fewKeys) { refuseDoubled(firstKey, keys_.size()); }
-        keys_.resize(firstKey);
+        keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(firstKey), keys_.end());
         close(extent, at, count);
         return at + 1;
     }
@@ -151,8 +165,16 @@ private:
     char const* string(char const* at) {
         auto const* const start = at;
         at = scan::skipPlain(at + 1, end_);
+        hasEscape_ = false;
         while (*at != '"') { at = scan::skipPlain(notPlain(start, at), end_); }
+        if (static_cast<std::size_t>(at - start) > limits::longestShort + 1) { noteLongString(at); }
         return at + 1;
+    }
+
+    void noteLongString(char const* end) {
+        auto const number = static_cast<std::uint32_t>(shape_.extents.size());
+        shape_.extents.push_back(
+            {static_cast<std::uint32_t>(end - text_.data()), number + 1, static_cast<std::uint32_t>(hasEscape_)});
     }
 
     /// Steps over one character of a string that is not plain.
@@ -160,6 +182,7 @@ private:
         if (at == end_) { fail(start, "a string without an end"); }
         auto const* const first = at;
         if (*at == '\\') {
+            hasEscape_ = true;
             if (auto const* const complaint = skipEscape(at, end_)) { fail(first, complaint); }
         } else if (scan::isControl(*at)) {
             fail(first, "control character in a string");
@@ -174,17 +197,17 @@ private:
         if (*at != '"') { unexpected(at, "expected a key"); }
         auto const* const behind = string(at);
         std::string_view text(at + 1, static_cast<std::size_t>(behind - at) - 2);
-        if (text.find('\\') != std::string_view::npos) {
+        if (hasEscape_) {
             appendUnescaped(unescapedKeys_.emplace_back(), text);
             text = unescapedKeys_.back();
         }
+        auto const& key = keys_.emplace_back(at, text);
         // A large object's keys are compared when all are known.
-        if (keys_.size() - firstKey < fewKeys) {
-            for (auto i = firstKey; i < keys_.size(); ++i) {
-                if (keys_[i].text == text) { doubled({at, text}); }
+        if (keys_.size() - firstKey <= fewKeys) {
+            for (auto const* other = &keys_[firstKey]; other != &key; ++other) {
+                if (*other == key) { doubled(key); }
             }
         }
-        keys_.push_back({at, text});
         return behind;
     }
 
@@ -194,6 +217,11 @@ private:
     }
 
     char const* number(char const* at) {
+        // Most numbers are a few digits, of which nothing else has to be asked.
+        auto const* behindDigits = at;
+        while (scan::isDigit(*behindDigits)) { ++behindDigits; }
+        bool const isShort = behindDigits != at && (*at != '0' || behindDigits == at + 1) && behindDigits - at < 20;
+        if (isShort && (*behindDigits == ',' || *behindDigits == '}' || *behindDigits == ']')) { return behindDigits; }
         auto const* const behind = skipNumber(at);
         if (behind == nullptr) { fail(at, "not a number"); }
         if (!fitsDouble({at, static_cast<std::size_t>(behind - at)})) { fail(at, "a number too large for a double"); }
@@ -253,6 +281,7 @@ private:
     TextShape shape_;
     std::size_t values_ = 0;
     std::size_t depth_ = 0;
+    bool hasEscape_ = false;                              // the last string
     boost::container::small_vector<Key, 64> keys_;        // of the open objects, the innermost last
     std::array<std::size_t, limits::maxDepth> firstKeys_; // where those of each depth begin
     std::deque<std::string> unescapedKeys_;               // does not move what it holds

@@ -8,16 +8,16 @@
 
 namespace zorv {
 
-/// Where an object or an array of a text ends. They are numbered in the order in which they open.
+/// Where an object, an array or a long string of a text ends. They are numbered in the order in which they begin.
 struct Extent {
-    std::uint32_t end = 0;   ///< place of the closing bracket
-    std::uint32_t next = 0;  ///< number of the first object or array that opens behind it
-    std::uint32_t count = 0; ///< members or elements
+    std::uint32_t end = 0;   ///< place of the closing bracket or quote
+    std::uint32_t next = 0;  ///< number of the first one that begins behind it
+    std::uint32_t count = 0; ///< members or elements; of a string, whether it has escapes
 };
 
 /// What is known of a text once it has been checked.
 struct TextShape {
-    std::vector<Extent> extents; ///< of all objects and arrays
+    std::vector<Extent> extents; ///< of all objects, arrays and long strings
     std::size_t depth = 0;       ///< how deep they nest
 };
 

@@ -66,12 +66,13 @@ char shortEscape(char c) noexcept {
     }
 }
 
-void appendEscaped(std::string& json, char c) {
-    json += '\\';
+void appendEscaped(TextBuffer& json, char c) {
+    json.append('\\');
     if (auto const letter = shortEscape(c); letter != '\0') {
-        json += letter;
+        json.append(letter);
     } else {
-        (json += 'u') += hexDigits(static_cast<unsigned char>(c), 4);
+        json.append('u');
+        json.append(hexDigits(static_cast<unsigned char>(c), 4));
     }
 }
 
@@ -127,24 +128,25 @@ void appendUnescaped(std::string& text, std::string_view escaped) {
     }
 }
 
-bool appendQuoted(std::string& json, std::string_view text) {
+bool appendQuoted(TextBuffer& json, std::string_view text) {
     auto const undo = json.size();
     char const* const end = text.data() + text.size();
     char const* copied = text.data(); // what is before it has been appended
-    json += '"';
+    json.append('"');
     for (char const* at = copied; (at = scan::skipPlain(at, end)) != end;) {
         if (!scan::isAscii(*at)) {
             if (!skipSequence(at, end)) {
-                json.resize(undo);
+                json.all().resize(undo);
                 return false;
             }
             continue;
         }
-        json.append(copied, at);
+        json.append({copied, static_cast<std::size_t>(at - copied)});
         appendEscaped(json, *at);
         copied = ++at;
     }
-    json.append(copied, end) += '"';
+    json.append({copied, static_cast<std::size_t>(end - copied)});
+    json.append('"');
     return true;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/libtransport/TextBuffer.h"
+
 #include <string>
 #include <string_view>
 
@@ -16,6 +18,6 @@ char const* skipEscape(char const*& at, char const* end);
 void appendUnescaped(std::string& text, std::string_view escaped);
 
 /// Appends a text as the characters of a JSON string, between quotes; false, and nothing appended, where it is not UTF-8.
-bool appendQuoted(std::string& json, std::string_view text);
+bool appendQuoted(TextBuffer& json, std::string_view text);
 
 } // namespace zorv

@@ -6,6 +6,7 @@
 #include <string_view>
 
 namespace zorv {
+class Serializer;
 struct TypeDescriptor;
 } // namespace zorv
 
@@ -14,8 +15,8 @@ struct TypeDescriptor;
 
 /// Declares the operations of `Enum` in the namespace where it stands; a macro, because they have to stand there.
 ///
-/// `operator<<`, `toString` and `appendText` write a value's text, `operator>>` reads one word, `toEnum` and `parse` take
-/// the first word of a text. A number or a word that the enumeration does not have raises InvalidEnumError.
+/// `operator<<`, `toString`, `appendText` and `write` write a value's text, `operator>>` reads one word, `toEnum` and `parse` take
+/// the first word of a text. `tryParse` takes a whole text, and is false where it is another one. A number or a word that the enumeration does not have raises InvalidEnumError.
 // NOLINTBEGIN(bugprone-macro-parentheses): an attribute cannot stand in parentheses
 #define ZORV_ENUM_DECLARE(EXPORT)                                                                                      \
     EXPORT std::ostream& operator<<(std::ostream& os, Enum value);                                                     \
@@ -23,7 +24,9 @@ struct TypeDescriptor;
     EXPORT std::string toString(Enum value);                                                                           \
     EXPORT Enum toEnum(std::string const& text);                                                                       \
     EXPORT void appendText(std::string& out, Enum value);                                                              \
+    EXPORT void write(::zorv::Serializer& s, Enum value);                                                              \
     EXPORT void parse(std::string_view text, Enum& value);                                                             \
+    EXPORT bool tryParse(std::string_view text, Enum& value);                                                          \
     EXPORT ::zorv::TypeDescriptor describe(Enum);
 // NOLINTEND(bugprone-macro-parentheses)
 

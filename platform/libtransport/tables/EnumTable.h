@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -56,9 +57,19 @@ template <class Enum> constexpr auto copyName() {
 /// What an enumeration is called in errors and documents.
 template <class Enum> inline constexpr auto name = copyName<Enum>();
 
+/// Whether a text stands in JSON as it is: texts are written without a look at their characters.
+constexpr bool isPlain(std::string_view text) {
+    for (char const c : text) {
+        if (c < ' ' || c > '~' || c == '"' || c == '\\') { return false; }
+    }
+    return true;
+}
+
 template <std::size_t count> constexpr bool areOrderly(std::array<EnumRow, count> const& rows) {
     for (std::size_t i = 0; i < count; ++i) {
-        if (rows[i].text.empty() || (i > 0 && rows[i - 1].value >= rows[i].value)) { return false; }
+        if (!isPlain(rows[i].text) || rows[i].text.empty() || (i > 0 && rows[i - 1].value >= rows[i].value)) {
+            return false;
+        }
         for (std::size_t j = 0; j < i; ++j) {
             if (rows[i].text == rows[j].text) { return false; }
         }
@@ -66,11 +77,34 @@ template <std::size_t count> constexpr bool areOrderly(std::array<EnumRow, count
     return count > 0;
 }
 
+/// How far the lowest values lie apart that are found by their places: as far as bytes do.
+template <std::size_t count> constexpr std::size_t placesOf(std::array<EnumRow, count> const& rows) {
+    std::size_t size = 0;
+    for (auto const& row : rows) {
+        if (row.value - rows[0].value < BytesAnd<>::bytes && row.value >= rows[0].value) {
+            size = static_cast<std::size_t>(row.value - rows[0].value) + 1;
+        }
+    }
+    return count < EnumPlaces::none ? size : 0;
+}
+
+template <std::size_t size, std::size_t count>
+constexpr std::array<std::uint8_t, size> makePlaces(std::array<EnumRow, count> const& rows) {
+    std::array<std::uint8_t, size> places = {};
+    for (auto& place : places) { place = EnumPlaces::none; }
+    for (std::size_t i = 0; i < count; ++i) {
+        auto const place = static_cast<std::size_t>(rows[i].value - rows[0].value);
+        if (place < size) { places[place] = static_cast<std::uint8_t>(i); }
+    }
+    return places;
+}
+
 } // namespace enums
 
 /// One text for each declared value.
 template <class Enum, Enum... beyond> class EnumTable {
     static constexpr auto const& declared = Enumerators<Enum, enums::BytesAnd<beyond...>>::rows;
+    static constexpr auto places = enums::makePlaces<enums::placesOf(declared)>(declared);
 
 public:
     constexpr EnumTable() = default;
@@ -102,7 +136,9 @@ public:
     constexpr bool isOrderly() const { return enums::areOrderly(rows_); }
 
     /// The texts, for a table that stays where it is.
-    constexpr EnumTexts texts() const { return {name_, {rows_.data(), rows_.size()}, digits_}; }
+    constexpr EnumTexts texts() const {
+        return {name_, {rows_.data(), rows_.size(), {places.data(), places.size()}}, digits_};
+    }
 
 private:
     char const* name_ = enums::name<Enum>.data();
@@ -114,35 +150,46 @@ template <class Enum, Enum... beyond> constexpr EnumTable<Enum, beyond...> enumT
 
 } // namespace zorv
 
-/// Defines the declared operations from a table, which is called `table` from then on.
+/// Defines the declared operations from a table, which is called `table` from then on, and its texts `texts`.
 #define ZORV_ENUM_DEFINE(...)                                                                                          \
     namespace {                                                                                                        \
     constexpr auto table = __VA_ARGS__;                                                                                \
+    constexpr auto texts = table.texts();                                                                              \
+    auto const& reader() {                                                                                             \
+        static auto const reader = texts.reader();                                                                     \
+        return reader;                                                                                                 \
+    }                                                                                                                  \
     }                                                                                                                  \
     static_assert(table.isOrderly(), "an enumeration without values, a text twice, or values out of order");           \
-    std::ostream& operator<<(std::ostream& os, Enum value) { return ::zorv::enums::write(os, table.texts(), value); }  \
+    std::ostream& operator<<(std::ostream& os, Enum value) { return ::zorv::enums::write(os, texts, value); }          \
     std::istream& operator>>(std::istream& is, Enum& value) {                                                          \
         parse(::zorv::enums::readWord(is), value);                                                                     \
         return is;                                                                                                     \
     }                                                                                                                  \
     void appendText(std::string& out, Enum value) {                                                                    \
-        if (!table.texts().append(out, value)) { table.texts().refuse(value); }                                        \
+        if (!texts.append(out, value)) { texts.refuse(value); }                                                        \
     }                                                                                                                  \
+    void write(::zorv::Serializer& s, Enum value) { texts.write(s, value); }                                           \
     std::string toString(Enum value) {                                                                                 \
         std::string text;                                                                                              \
         appendText(text, value);                                                                                       \
         return text;                                                                                                   \
     }                                                                                                                  \
     void parse(std::string_view text, Enum& value) {                                                                   \
-        static auto const reader = table.texts().reader();                                                             \
-        value = static_cast<Enum>(reader.read(::zorv::enums::firstWord(text)));                                        \
+        value = static_cast<Enum>(reader().read(::zorv::enums::firstWord(text)));                                      \
+    }                                                                                                                  \
+    bool tryParse(std::string_view text, Enum& value) {                                                                \
+        int number = 0;                                                                                                \
+        if (!reader().find(text, number)) { return false; }                                                            \
+        value = static_cast<Enum>(number);                                                                             \
+        return true;                                                                                                   \
     }                                                                                                                  \
     Enum toEnum(std::string const& text) {                                                                             \
         Enum value;                                                                                                    \
         parse(text, value);                                                                                            \
         return value;                                                                                                  \
     }                                                                                                                  \
-    ::zorv::TypeDescriptor describe(Enum) { return table.texts().describe(); }
+    ::zorv::TypeDescriptor describe(Enum) { return texts.describe(); }
 
 /// Defines the declared `toHex`.
 #define ZORV_ENUM_DEFINE_HEX                                                                                           \

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/tables/EnumTexts.h"
 
+#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/hexDigits.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/throwInvalidEnum.h"
 
-#include <boost/functional/hash.hpp>
 #include <boost/unordered_map.hpp>
 
 #include <algorithm>
@@ -32,9 +32,17 @@ bool parseHex(std::string_view text, OpenDigits digits, unsigned int& number) {
     return std::from_chars(text.data() + hexPrefix.size(), end, number, 16).ptr == end;
 }
 
-/// The same for a string and for a view of one, so that a text is found without a copy of it.
+/// The same for a string and for a view of one, so that a text is found without a copy of it. The ends of identifiers
+/// differ more than their middles, and the tables are small and no peer's: a few characters are enough.
 struct TextHash {
-    std::size_t operator()(std::string_view text) const { return boost::hash_range(text.begin(), text.end()); }
+    std::size_t operator()(std::string_view text) const noexcept {
+        auto hash = text.size();
+        for (std::size_t i = 0; i < text.size() && i < 4; ++i) {
+            hash = (hash * 31 + static_cast<unsigned char>(text[i])) * 31 +
+                   static_cast<unsigned char>(text[text.size() - 1 - i]);
+        }
+        return hash;
+    }
 };
 
 } // namespace
@@ -52,19 +60,33 @@ EnumReader::EnumReader(char const* enumName, EnumRows rows, OpenDigits digits) :
 
 EnumReader::~EnumReader() = default;
 
-int EnumReader::read(std::string_view text) const {
+bool EnumReader::find(std::string_view text, int& value) const {
     auto const found = index_->values.find(text, TextHash(), std::equal_to<>());
-    if (found != index_->values.end()) { return found->second; }
+    if (found != index_->values.end()) {
+        value = found->second;
+        return true;
+    }
     unsigned int number = 0;
-    if (!parseHex(text, digits_, number)) { throwInvalidEnum(enumName_, std::string(text)); }
-    return static_cast<int>(number);
+    if (!parseHex(text, digits_, number)) { return false; }
+    value = static_cast<int>(number);
+    return true;
+}
+
+int EnumReader::read(std::string_view text) const {
+    int value = 0;
+    if (!find(text, value)) { throwInvalidEnum(enumName_, std::string(text)); }
+    return value;
+}
+
+std::string_view EnumTexts::search(int value) const {
+    auto const* const row = std::lower_bound(rows_.begin(), rows_.end(), value,
+                                             [](EnumRow const& each, int number) { return each.value < number; });
+    return row != rows_.end() && row->value == value ? row->text : std::string_view();
 }
 
 bool EnumTexts::append(std::string& out, int value) const {
-    auto const* const row = std::lower_bound(rows_.begin(), rows_.end(), value,
-                                             [](EnumRow const& each, int number) { return each.value < number; });
-    if (row != rows_.end() && row->value == value) {
-        out += row->text;
+    if (auto const text = find(value); !text.empty()) {
+        out += text;
         return true;
     }
     auto const number = static_cast<unsigned int>(value);
@@ -72,6 +94,16 @@ bool EnumTexts::append(std::string& out, int value) const {
     out += hexPrefix;
     out += hexDigitsFrom(number, digits_.least);
     return true;
+}
+
+void EnumTexts::write(Serializer& s, int value) const {
+    if (auto const text = find(value); !text.empty()) {
+        s.writePlain(text);
+        return;
+    }
+    std::string digits;
+    if (!append(digits, value)) { refuse(value); }
+    s.writePlain(digits);
 }
 
 void EnumTexts::refuse(int value) const { throwInvalidEnum(enumName_, value); }

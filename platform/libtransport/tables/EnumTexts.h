@@ -4,6 +4,7 @@
 #include "platform/Export.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -11,6 +12,7 @@
 
 namespace zorv {
 
+class Serializer;
 struct TypeDescriptor;
 
 /// A value of an enumeration, or a flag of a set, and its text.
@@ -19,10 +21,19 @@ struct EnumRow {
     std::string_view text;
 };
 
+/// The numbers of rows by value, from the lowest value on: where the values are bytes, a row is found without a search.
+struct EnumPlaces {
+    static constexpr std::uint8_t none = 255;
+
+    std::uint8_t const* first = nullptr;
+    std::size_t size = 0;
+};
+
 /// The rows of a table by ascending value. A view: the table is a constant of the enumeration's source.
 struct EnumRows {
     EnumRow const* first = nullptr;
     std::size_t size = 0;
+    EnumPlaces places = {};
 
     constexpr EnumRow const* begin() const noexcept { return first; }
     constexpr EnumRow const* end() const noexcept { return first + size; }
@@ -45,6 +56,9 @@ public:
     /// The value of a text; an InvalidEnumError where the enumeration does not have it.
     int read(std::string_view text) const;
 
+    /// As read(), without an error: false where the enumeration does not have the text.
+    bool find(std::string_view text, int& value) const;
+
 private:
     struct Index;
 
@@ -63,16 +77,29 @@ public:
 
     constexpr EnumRows rows() const noexcept { return rows_; }
 
+    /// The value's text; empty where it has none.
+    std::string_view find(int value) const {
+        auto const place = static_cast<unsigned int>(value) - static_cast<unsigned int>(rows_.first->value);
+        if (place >= rows_.places.size) { return search(value); }
+        auto const row = rows_.places.first[place];
+        return row == EnumPlaces::none ? std::string_view() : rows_.first[row].text;
+    }
+
     /// Appends the value's text; false, and nothing appended, where the enumeration does not have the value.
     bool append(std::string& out, int value) const;
 
     /// Throws the InvalidEnumError about a value for which `append` said false.
     [[noreturn]] void refuse(int value) const;
 
+    /// Writes the value's text as a JSON string; an InvalidEnumError where the enumeration does not have the value.
+    void write(Serializer& s, int value) const;
+
     Reader reader() const { return {enumName_, rows_, digits_}; }
     TypeDescriptor describe() const;
 
 private:
+    std::string_view search(int value) const;
+
     char const* enumName_;
     EnumRows rows_;
     OpenDigits digits_;

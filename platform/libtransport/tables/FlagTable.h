@@ -73,7 +73,7 @@ public:
         for (auto const& flag : flags_) {
             if (flag.text == emptyText_ || (static_cast<unsigned int>(flag.value) & field_.mask) != 0) { return false; }
         }
-        return !emptyText_.empty() && enums::areOrderly(flags_);
+        return !emptyText_.empty() && enums::isPlain(emptyText_) && enums::areOrderly(flags_);
     }
 
     /// The texts, for a table that stays where it is.

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/tables/FlagTexts.h"
 
+#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/throwInvalidEnum.h"
+
+#include <utility>
 
 namespace zorv {
 
@@ -15,12 +18,16 @@ public:
 
     bool isDone() const { return isDone_; }
 
-    /// Whether the next item was `item`, which is then taken.
+    /// Whether the next item was `item`, which is then taken. Most are not, and differ in their first character.
     bool take(std::string_view item) {
-        auto const end = rest_.find('|');
-        if (isDone_ || rest_.substr(0, end) != item) { return false; }
-        isDone_ = end == std::string_view::npos;
-        if (!isDone_) { rest_.remove_prefix(end + 1); }
+        auto const size = item.size();
+        if (isDone_ || rest_.size() < size || (size > 0 && rest_[0] != item[0]) || rest_.substr(0, size) != item) {
+            return false;
+        }
+        isDone_ = rest_.size() == size;
+        if (isDone_) { return true; }
+        if (rest_[size] != '|') { return false; }
+        rest_.remove_prefix(size + 1);
         return true;
     }
 
@@ -31,36 +38,46 @@ private:
 
 } // namespace
 
-unsigned int FlagTexts::knownBits() const {
-    auto bits = field_.mask;
-    for (auto const& flag : flags_) { bits |= static_cast<unsigned int>(flag.value); }
-    return bits;
+/// Hands out the texts of the empty set and of the flags, each with the separator that comes before it.
+template <class Use> void FlagTexts::forEachText(unsigned int bits, Use use) const {
+    std::string_view separator;
+    if ((bits & ~field_.mask) == 0) { use(std::exchange(separator, "|"), emptyText_); }
+    for (auto const& flag : flags_) {
+        if ((bits & static_cast<unsigned int>(flag.value)) != 0) { use(std::exchange(separator, "|"), flag.text); }
+    }
 }
 
 bool FlagTexts::append(std::string& out, int value) const {
     auto const bits = static_cast<unsigned int>(value);
-    std::string_view separator;
-    auto const appendItem = [&](std::string_view text) {
-        out.append(separator).append(text);
-        separator = "|";
-    };
-    if ((bits & ~field_.mask) == 0) { appendItem(emptyText_); }
-    for (auto const& flag : flags_) {
-        if ((bits & static_cast<unsigned int>(flag.value)) != 0) { appendItem(flag.text); }
-    }
-    if ((bits & ~knownBits()) != 0) { return false; }
+    forEachText(bits,
+                [&out](std::string_view separator, std::string_view text) { out.append(separator).append(text); });
+    if ((bits & ~knownBits_) != 0) { return false; }
     if (field_.mask == 0) { return true; }
-    out.append(separator);
+    out += '|'; // the empty set has a text, too
     return field_.texts.append(out, static_cast<int>(bits & field_.mask));
+}
+
+void FlagTexts::write(Serializer& s, int value) const {
+    auto const bits = static_cast<unsigned int>(value);
+    if (field_.mask != 0 || (bits & ~knownBits_) != 0) {
+        std::string text;
+        if (!append(text, value)) { refuse(value); }
+        s.writePlain(text);
+        return;
+    }
+    s.openPlain();
+    forEachText(bits,
+                [&s](std::string_view separator, std::string_view text) { s.writeRaw(separator).writeRaw(text); });
+    s.writeRaw("\"");
 }
 
 void FlagTexts::refuse(int value) const {
     auto const bits = static_cast<unsigned int>(value);
-    if ((bits & ~knownBits()) != 0) { throwInvalidEnum(names_.onWriting, value); }
+    if ((bits & ~knownBits_) != 0) { throwInvalidEnum(names_.onWriting, value); }
     field_.texts.refuse(static_cast<int>(bits & field_.mask));
 }
 
-int FlagTexts::read(std::string_view text) const {
+bool FlagTexts::find(std::string_view text, int& value) const {
     Items items(text);
     unsigned int bits = 0;
     items.take(emptyText_);
@@ -70,8 +87,14 @@ int FlagTexts::read(std::string_view text) const {
     for (auto const& row : field_.texts.rows()) {
         if (items.take(row.text)) { bits = (bits & ~field_.mask) | static_cast<unsigned int>(row.value); }
     }
-    if (!items.isDone()) { throwInvalidEnum(names_.onReading, std::string(text)); }
-    return static_cast<int>(bits);
+    value = static_cast<int>(bits);
+    return items.isDone();
+}
+
+int FlagTexts::read(std::string_view text) const {
+    int value = 0;
+    if (!find(text, value)) { throwInvalidEnum(names_.onReading, std::string(text)); }
+    return value;
 }
 
 TypeDescriptor FlagTexts::describe() const {

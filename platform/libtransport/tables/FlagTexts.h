@@ -29,7 +29,9 @@ public:
     class Reader;
 
     constexpr FlagTexts(Names names, std::string_view emptyText, EnumRows flags, Field field)
-        : names_(names), emptyText_(emptyText), flags_(flags), field_(field) {}
+        : names_(names), emptyText_(emptyText), flags_(flags), field_(field), knownBits_(field.mask) {
+        for (auto const& flag : flags_) { knownBits_ |= static_cast<unsigned int>(flag.value); }
+    }
 
     /// Appends the texts; false where the set has unknown bits. What was appended before those were met stays.
     bool append(std::string& out, int value) const;
@@ -37,17 +39,22 @@ public:
     /// Throws the InvalidEnumError about a value for which `append` said false.
     [[noreturn]] void refuse(int value) const;
 
+    /// Writes the texts as one JSON string; an InvalidEnumError where the set has unknown bits.
+    void write(Serializer& s, int value) const;
+
     Reader reader() const;
     TypeDescriptor describe() const;
 
 private:
-    unsigned int knownBits() const;
+    template <class Use> void forEachText(unsigned int bits, Use use) const;
     int read(std::string_view text) const;
+    bool find(std::string_view text, int& value) const;
 
     Names names_;
     std::string_view emptyText_;
     EnumRows flags_;
     Field field_; ///< the mask is 0 in a set that has only flags
+    unsigned int knownBits_;
 };
 
 /// Reads the sets of a table.
@@ -57,6 +64,9 @@ public:
 
     /// The set of a text; an InvalidEnumError where it is not one.
     int read(std::string_view text) const { return texts_.read(text); }
+
+    /// As read(), without an error: false where it is not one.
+    bool find(std::string_view text, int& value) const { return texts_.find(text, value); }
 
 private:
     FlagTexts texts_;

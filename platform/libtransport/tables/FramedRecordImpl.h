@@ -10,7 +10,7 @@
 namespace zorv {
 
 template <class Self, class Base> void FramedRecord<Self, Base>::serialInserter(Serializer& s) const {
-    insertFrame<Base>(s, serialName(), static_cast<Self const&>(*this), Self::Wire::members);
+    insertFrame<Base>(s, Self::registrar.serialName(), static_cast<Self const&>(*this), Self::Wire::members);
 }
 
 template <class Self, class Base> void FramedRecord<Self, Base>::serialExtract(Serializer& s) {
@@ -19,7 +19,13 @@ template <class Self, class Base> void FramedRecord<Self, Base>::serialExtract(S
 
 template <class Self, class Base>
 Serializable* FramedRecord<Self, Base>::serialFactory(Serializer& s, Serializable* target) {
-    return extractOrMake(s, target, [] { return std::make_unique<Self>(); });
+    if (target != nullptr) {
+        target->serialExtract(s);
+        return target;
+    }
+    auto record = std::make_unique<Self>();
+    record->serialExtract(s);
+    return record.release();
 }
 
 template <class Self, class Base> char const* FramedRecord<Self, Base>::serialName() noexcept {

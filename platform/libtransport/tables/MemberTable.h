@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/libtransport/SerialValue.h"
+#include "platform/libtransport/limits.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/tables/identifiers.h"
 
@@ -29,29 +30,31 @@ namespace zorv {
 template <auto pointer> class MemberKey {
     static constexpr auto name = identifiers::nameOfValue<pointer>();
     static_assert(!name.empty(), "this compiler does not tell the member's identifier");
+    static_assert(name.size() <= limits::longestShort, "the reader would miss it");
 
     static constexpr auto makeKey() {
         identifiers::Text<name.size()> text;
         text.append(name);
         return text;
     }
-    static constexpr auto makeKeyAndColon() {
-        identifiers::Text<name.size() + 3> text;
-        text.append("\"");
+    static constexpr auto makeKeyOfNext() {
+        identifiers::Text<name.size() + 4> text;
+        text.append(",\"");
         text.append(name);
         text.append("\":");
         return text;
     }
 
 public:
-    static constexpr auto plain = makeKey();             ///< latencyMs_
-    static constexpr auto withColon = makeKeyAndColon(); ///< "latencyMs_":
+    static constexpr auto plain = makeKey();        ///< latencyMs_
+    static constexpr auto ofNext = makeKeyOfNext(); ///< ,"latencyMs_":
 };
 
 template <auto memberPointer> struct Member {
     static constexpr auto pointer = memberPointer;
-    static constexpr std::string_view key = MemberKey<memberPointer>::plain.view(); ///< with a NUL after it
-    static constexpr std::string_view keyWithColon = MemberKey<memberPointer>::withColon.view();
+    static constexpr std::string_view key = MemberKey<memberPointer>::plain.view();        ///< with a NUL after it
+    static constexpr std::string_view keyOfNext = MemberKey<memberPointer>::ofNext.view(); ///< ,"latencyMs_":
+    static constexpr std::string_view keyOfFirst = keyOfNext.substr(1);                    ///< "latencyMs_":
 
     char const* doc;
 };
@@ -66,9 +69,8 @@ template <class Self, class Members> void insertRecord(Serializer& s, Self const
     bool first = true;
     s << opencurly;
     auto const insert = [&](auto const& m) {
-        if (!first) { s << comma; }
+        s.writeKey(first ? m.keyOfFirst : m.keyOfNext) << self.*m.pointer;
         first = false;
-        s << noescape << m.key.data() << colon << self.*m.pointer;
     };
     std::apply([&](auto const&... m) { (insert(m), ...); }, members);
     s << closecurly;
@@ -76,13 +78,11 @@ template <class Self, class Members> void insertRecord(Serializer& s, Self const
 
 /// Writes an object with its frame: serial name, the frame of its base class, members.
 template <class Base, class Self, class Members>
-void insertFrame(Serializer& s, char const* serialName, Self const& self, Members const& members) {
-    s << opencurly << noescape << Serializer::name << colon << noescape << serialName;
-    s << comma << noescape << Serializer::bases << colon << openbracket;
+void insertFrame(Serializer& s, std::string_view serialName, Self const& self, Members const& members) {
+    s.openFrame(serialName);
     if constexpr (!std::is_same_v<Base, NoBase>) { self.Base::serialInserter(s); }
     s << closebracket;
-    std::apply([&](auto const&... m) { ((s << comma << noescape << m.key.data() << colon << self.*m.pointer), ...); },
-               members);
+    std::apply([&](auto const&... m) { ((s.writeKey(m.keyOfNext) << self.*m.pointer), ...); }, members);
     s << closecurly;
 }
 
@@ -98,7 +98,16 @@ struct ValueReader {
 /// Reads an object that insertRecord wrote.
 template <class Reader = ValueReader, class Self, class Members>
 void extractRecord(Serializer& s, Self& self, Members const& members, Reader read = {}) {
-    std::apply([&](auto const&... m) { ((s.select(m.key), read(s, self.*m.pointer)), ...); }, members);
+    auto const extract = [&](auto const& m, auto& value) {
+        using T = std::remove_reference_t<decltype(value)>;
+        if constexpr (hasShortReading<T>) {
+            readMember(s, m.keyOfFirst, value);
+        } else {
+            s.enter(m.keyOfFirst);
+            read(s, value);
+        }
+    };
+    std::apply([&](auto const&... m) { (extract(m, self.*m.pointer), ...); }, members);
     s >> finished;
 }
 
@@ -106,22 +115,11 @@ void extractRecord(Serializer& s, Self& self, Members const& members, Reader rea
 template <class Base, class Reader = ValueReader, class Self, class Members>
 void extractFrame(Serializer& s, Self& self, Members const& members, Reader read = {}) {
     if constexpr (!std::is_same_v<Base, NoBase>) {
-        s >> Serializer::bases >> Base::serialName() >> basector;
+        s.enterBase(Base::serialName()) >> basector;
         self.Base::serialExtract(s);
         s >> finished;
     }
     extractRecord(s, self, members, read);
-}
-
-/// Reads into `target`, or, where that is null, into what `make` gives, which the caller then owns: a class's factory.
-template <class Make> Serializable* extractOrMake(Serializer& s, Serializable* target, Make make) {
-    if (target != nullptr) {
-        target->serialExtract(s);
-        return target;
-    }
-    auto object = make();
-    object->serialExtract(s);
-    return object.release();
 }
 
 // ---- descriptors
