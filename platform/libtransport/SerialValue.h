@@ -126,14 +126,14 @@ template <class T> Serializer& operator>>(Serializer& s, boost::shared_ptr<T>& p
 // ---- lists: an array
 
 template <class T> Serializer& operator<<(Serializer& s, std::vector<T> const& list) {
-    s << openbracket;
+    s.openValue('[');
     bool first = true;
     for (auto const& element : list) {
-        if (!first) { s << comma; }
+        if (!first) { s.writeRaw(","); }
         first = false;
         s << element;
     }
-    return s << closebracket;
+    return s.closeValue(']');
 }
 
 /// Reads an array into a vector, which takes the array's length; elements that were there are read over.
@@ -151,14 +151,16 @@ ZORV_EXPORT void requireFewPairs(std::size_t count);
 
 template <class Map> Serializer& insertPairs(Serializer& s, Map const& map) {
     requireFewPairs(map.size());
-    s << openbracket;
+    s.openValue('[');
     bool first = true;
     for (auto const& entry : map) {
-        if (!first) { s << comma; }
+        if (!first) { s.writeRaw(","); }
         first = false;
-        s << openbracket << entry.first << comma << entry.second << closebracket;
+        s.openValue('[') << entry.first;
+        s.writeRaw(",") << entry.second;
+        s.closeValue(']');
     }
-    return s << closebracket;
+    return s.closeValue(']');
 }
 
 template <class Key, class Value, class Hash, class Equal>

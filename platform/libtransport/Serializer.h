@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -103,7 +104,26 @@ public:
     }
 
     /// Writes a string that has nothing to escape.
-    Serializer& writePlain(std::string_view value) { return openPlain().writeRaw(value).writeRaw("\""); }
+    Serializer& writePlain(std::string_view value) {
+        if (value.size() > longestPlain) { return openPlain().writeRaw(value).writeRaw("\""); }
+        return writePlain(value.size(), [value](char* at) {
+            std::memcpy(at, value.data(), value.size());
+            return at + value.size();
+        });
+    }
+
+    // The braces and brackets of what is written by tables; as the manipulators, without a call.
+    Serializer& openValue(char bracket) {
+        count();
+        deepen();
+        written_.append(bracket);
+        return *this;
+    }
+    Serializer& closeValue(char bracket) {
+        --depth_;
+        written_.append(bracket);
+        return *this;
+    }
 
     /// Writes a string of at most `most` characters, which have nothing to escape; `put` puts them where it is told, and
     /// says where they end. Where it throws, nothing is written.
@@ -223,6 +243,8 @@ private:
     friend ZORV_EXPORT Serializer& basector(Serializer& s);
     friend ZORV_EXPORT Serializer& finished(Serializer& s);
 
+    static constexpr std::size_t longestPlain = 128;
+
     struct InPlace {};
     Serializer(InPlace, std::string const& text);
 
@@ -275,6 +297,7 @@ private:
     Place const* selected() const noexcept;
     Place& top() noexcept { return stack_.back(); }
     Place placeOf(Step value) const;
+    void push(Step value);
     void pop(Step behind);
     Step behindSelection() const;
 

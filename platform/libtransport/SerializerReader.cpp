@@ -66,6 +66,13 @@ Serializer::Place Serializer::placeOf(Step value) const {
     return place;
 }
 
+/// Selects a value. Its place is made where it stays: a copy would wait for what has just been stored.
+void Serializer::push(Step value) {
+    auto& place = stack_.emplace_back();
+    place.value = value;
+    if (!value.isNowhere() && (*at(value) == '{' || *at(value) == '[')) { place.next = firstIn(value); }
+}
+
 /// Takes the selection, which is not absent, off the stack, and goes on behind it.
 void Serializer::pop(Step behind) {
     stack_.pop_back();
@@ -84,7 +91,7 @@ Serializer::Step Serializer::behindSelection() const {
 
 void Serializer::rewind() {
     stack_.clear();
-    stack_.push_back(placeOf(stepTo(skipBlanks(begin_), 0)));
+    push(stepTo(skipBlanks(begin_), 0));
 }
 
 void Serializer::drop() {
@@ -214,7 +221,7 @@ Serializer& Serializer::select(std::string_view key) {
     if (place == nullptr) {
         stack_.emplace_back(); // nothing is found below an absent value
     } else if (is('{')) {
-        stack_.push_back(placeOf(find(*place, key)));
+        push(find(*place, key));
         top().isBases = key == bases;
         if (top().isBases && selected() != nullptr && !isArray()) { failExpected("array"); }
     } else if (place->isBases) {
@@ -229,7 +236,7 @@ Serializer& Serializer::operator>>(char const* key) {
     // A key that has to be escaped is not written in the text as it is, and is looked for in the slow way.
     if (std::strpbrk(key, "\"\\") == nullptr || !is('{')) { return select(key); }
     auto const& object = top();
-    stack_.push_back(placeOf(findFrom(firstIn(object.value), endOf(object.value), key)));
+    push(findFrom(firstIn(object.value), endOf(object.value), key));
     return *this;
 }
 
@@ -239,12 +246,13 @@ std::size_t Serializer::size() const {
 }
 
 Serializer& Serializer::element(std::size_t index) {
-    Place element;
+    auto element = nowhere;
     if (isArray()) {
-        stepTo(top(), index);
-        if (*at(top().next) != ']') { element = placeOf(top().next); }
+        auto& array = top();
+        if (array.index != index) { stepTo(array, index); }
+        if (*at(array.next) != ']') { element = array.next; }
     }
-    stack_.push_back(element);
+    push(element);
     return *this;
 }
 
@@ -362,7 +370,7 @@ void Serializer::passText(std::string_view text) { goOn(text.data() + text.size(
 Serializer& Serializer::enter(std::string_view key) {
     auto const* const at = valueOfNext(key);
     if (at == nullptr) { return select(bare(key)); }
-    stack_.push_back(placeOf(stepTo(at, top().next.extent)));
+    push(stepTo(at, top().next.extent));
     return *this;
 }
 
@@ -376,15 +384,10 @@ Serializer& Serializer::enterBase(std::string_view serialName) {
                      std::memcmp(begin, serialName.data(), size) == 0 && begin[size] == '"';
     if (!has) { return select(bases).select(serialName); }
     auto const extent = top().next.extent; // of the array; the entry's is the next one
-    Place array;
-    array.value = stepTo(begin - opening.size() + bracket.size(), extent);
-    array.next = {array.value.at + 1, extent + 1};
-    array.isBases = true;
-    Place entry;
-    entry.value = array.next;
-    entry.next = separated(stepTo(begin + size + 1, extent + 2));
-    stack_.push_back(array);
-    stack_.push_back(entry);
+    push(stepTo(begin - opening.size() + bracket.size(), extent));
+    top().isBases = true;
+    push(top().next);
+    top().next = separated(stepTo(begin + size + 1, extent + 2));
     return *this;
 }
 

@@ -15,11 +15,11 @@ namespace zorv {
 ///
 /// A piece is put into a block, where it costs a few instructions and no call; a block that is full moves to the string.
 /// A short text is one allocation of just its size so, and none of its pieces grows a string.
-class ZORV_EXPORT TextBuffer {
+class ZORV_EXPORT TextBuffer { // NOLINT(cppcoreguidelines-pro-type-member-init): block_ is written before it is read
 public:
     static constexpr std::size_t blockSize = 4096;
 
-    TextBuffer() noexcept = default;
+    TextBuffer() noexcept = default; // NOLINT(cppcoreguidelines-pro-type-member-init): as above
     TextBuffer(TextBuffer const&) = delete;
     TextBuffer& operator=(TextBuffer const&) = delete;
     ~TextBuffer() = default;

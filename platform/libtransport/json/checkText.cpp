@@ -14,7 +14,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <deque>
+#include <forward_list>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -198,8 +199,8 @@ private:
         auto const* const behind = string(at);
         std::string_view text(at + 1, static_cast<std::size_t>(behind - at) - 2);
         if (hasEscape_) {
-            appendUnescaped(unescapedKeys_.emplace_back(), text);
-            text = unescapedKeys_.back();
+            appendUnescaped(unescapedKeys_.emplace_front(), text);
+            text = unescapedKeys_.front();
         }
         auto const& key = keys_.emplace_back(at, text);
         // A large object's keys are compared when all are known.
@@ -284,7 +285,7 @@ private:
     bool hasEscape_ = false;                              // the last string
     boost::container::small_vector<Key, 64> keys_;        // of the open objects, the innermost last
     std::array<std::size_t, limits::maxDepth> firstKeys_; // where those of each depth begin
-    std::deque<std::string> unescapedKeys_;               // does not move what it holds
+    std::forward_list<std::string> unescapedKeys_;        // does not move what it holds
 };
 
 } // namespace

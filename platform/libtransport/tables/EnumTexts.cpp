@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/tables/EnumTexts.h"
 
-#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/hexDigits.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/throwInvalidEnum.h"
@@ -96,11 +95,7 @@ bool EnumTexts::append(std::string& out, int value) const {
     return true;
 }
 
-void EnumTexts::write(Serializer& s, int value) const {
-    if (auto const text = find(value); !text.empty()) {
-        s.writePlain(text);
-        return;
-    }
+void EnumTexts::writeUnnamed(Serializer& s, int value) const {
     std::string digits;
     if (!append(digits, value)) { refuse(value); }
     s.writePlain(digits);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Export.h"
+#include "platform/libtransport/Serializer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +13,6 @@
 
 namespace zorv {
 
-class Serializer;
 struct TypeDescriptor;
 
 /// A value of an enumeration, or a flag of a set, and its text.
@@ -92,13 +92,18 @@ public:
     [[noreturn]] void refuse(int value) const;
 
     /// Writes the value's text as a JSON string; an InvalidEnumError where the enumeration does not have the value.
-    void write(Serializer& s, int value) const;
+    void write(Serializer& s, int value) const {
+        auto const text = find(value);
+        if (text.empty()) { return writeUnnamed(s, value); }
+        s.writePlain(text);
+    }
 
     Reader reader() const { return {enumName_, rows_, digits_}; }
     TypeDescriptor describe() const;
 
 private:
     std::string_view search(int value) const;
+    void writeUnnamed(Serializer& s, int value) const;
 
     char const* enumName_;
     EnumRows rows_;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libtransport/tables/FlagTexts.h"
 
-#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/throwInvalidEnum.h"
 
@@ -47,6 +46,15 @@ template <class Use> void FlagTexts::forEachText(unsigned int bits, Use use) con
     }
 }
 
+/// The text of the empty set or of one flag, which most sets are.
+std::string_view FlagTexts::flagOrEmpty(unsigned int bits) const {
+    if (bits == 0) { return emptyText_; }
+    for (auto const& flag : flags_) {
+        if (bits == static_cast<unsigned int>(flag.value)) { return flag.text; }
+    }
+    return {};
+}
+
 bool FlagTexts::append(std::string& out, int value) const {
     auto const bits = static_cast<unsigned int>(value);
     forEachText(bits,
@@ -62,6 +70,10 @@ void FlagTexts::write(Serializer& s, int value) const {
     if (field_.mask != 0 || (bits & ~knownBits_) != 0) {
         std::string text;
         if (!append(text, value)) { refuse(value); }
+        s.writePlain(text);
+        return;
+    }
+    if (auto const text = flagOrEmpty(bits); !text.empty()) {
         s.writePlain(text);
         return;
     }

@@ -47,6 +47,7 @@ public:
 
 private:
     template <class Use> void forEachText(unsigned int bits, Use use) const;
+    std::string_view flagOrEmpty(unsigned int bits) const;
     int read(std::string_view text) const;
     bool find(std::string_view text, int& value) const;
 

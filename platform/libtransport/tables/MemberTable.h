@@ -67,13 +67,13 @@ struct NoBase {};
 /// Writes an object without a frame, for records whose class is known from the place where they stand.
 template <class Self, class Members> void insertRecord(Serializer& s, Self const& self, Members const& members) {
     bool first = true;
-    s << opencurly;
+    s.openValue('{');
     auto const insert = [&](auto const& m) {
         s.writeKey(first ? m.keyOfFirst : m.keyOfNext) << self.*m.pointer;
         first = false;
     };
     std::apply([&](auto const&... m) { (insert(m), ...); }, members);
-    s << closecurly;
+    s.closeValue('}');
 }
 
 /// Writes an object with its frame: serial name, the frame of its base class, members.
@@ -81,9 +81,9 @@ template <class Base, class Self, class Members>
 void insertFrame(Serializer& s, std::string_view serialName, Self const& self, Members const& members) {
     s.openFrame(serialName);
     if constexpr (!std::is_same_v<Base, NoBase>) { self.Base::serialInserter(s); }
-    s << closebracket;
+    s.closeValue(']');
     std::apply([&](auto const&... m) { ((s.writeKey(m.keyOfNext) << self.*m.pointer), ...); }, members);
-    s << closecurly;
+    s.closeValue('}');
 }
 
 /// Reads values by their input operators.
