@@ -8,6 +8,7 @@
 #include "tests/support/shown.h"
 #include "tests/support/wire.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace zorv {
@@ -173,6 +174,12 @@ TEST(Device, ShowsEveryMember) {
                                                                         {"Wake status:", "awake"},
                                                                         {"Command classes:", "3"},
                                                                         {"Configuration errors:", "3"}}));
+}
+
+TEST(Device, ShowsHowManyErrorsItHadWhateverItsCommandClasses) {
+    auto const rows = shown(*readBack<Device>(R"({"__name__":"zorv::Device","configErrors_":7})"));
+    EXPECT_THAT(rows, testing::Contains(StringVecVec::value_type{"Command classes:", "0"}));
+    EXPECT_THAT(rows, testing::Contains(StringVecVec::value_type{"Configuration errors:", "7"}));
 }
 
 TEST(Manufacturer, HasASearchTypeOfItsThreeNumbersInHex) {
