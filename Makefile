@@ -4,10 +4,10 @@
 PRESET ?= dev
 
 .DEFAULT_GOAL := help
-.PHONY: help setup build run test check format bench clean
+.PHONY: help setup build programs run test check format bench clean
 
 help: ## show this list
-	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-8s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "make %-9s %s\n", $$1, $$2 }' $(MAKEFILE_LIST)
 	@echo "PRESET=dev|release|clang|asan|tsan chooses how to build (now: $(PRESET))"
 
 setup: ## install the Debian packages that are missing (as root or through sudo)
@@ -17,9 +17,11 @@ build: setup ## build everything
 	@cmake --preset $(PRESET)
 	@cmake --build --preset $(PRESET)
 
-run: setup ## build, then show the daemon and the client at work
+programs: setup ## build the libraries and the programs
 	@cmake --preset $(PRESET)
 	@cmake --build --preset $(PRESET) --target quillet-program-zwaved quillet-program-quillet
+
+run: programs ## build, then show the daemon and the client at work
 	@scripts/demo build/$(PRESET)
 
 test: build ## build, then run the tests
