@@ -279,6 +279,18 @@ TEST_F(TcpLines, ThatAreLongAreHandedOnOneInATurn) {
     EXPECT_EQ(most, 1);
 }
 
+TEST_F(TcpLines, AreCountedTwiceWhileTheyAreMovedToALargerBuffer) {
+    TcpLimits limits;
+    limits.line = 200000;
+    limits.budget = std::make_shared<TcpBudget>(loop_, 300000, 10);
+    connect(limits);
+    onLine_ = [this] { loop_.stop(); };
+    client_->send(std::string(200000, 'x') + '\n');
+    runLoop(loop_);
+    EXPECT_EQ(closed_, (Strings{"holds the most memory of all"}));
+    EXPECT_EQ(lines_, Strings());
+}
+
 TEST_F(TcpLines, KeepAConnectionWhosePeerEndedItsOutputUntilItIsFinished) {
     onInputEnded_ = [this] {
         loop_.post([this] {
