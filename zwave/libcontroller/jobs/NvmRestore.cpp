@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "zwave/libcontroller/jobs/NvmRestore.h"
+
+#include "zwave/libcontroller/jobs/StartUp.h"
+
+#include <algorithm>
+
+namespace zorv::controller {
+
+/// Nothing is written before it is certain that the image is one of such a module.
+void NvmRestore::onOpen() {
+    if (image_.size() != size()) {
+        return closeFor("the image has " + std::to_string(image_.size()) + " bytes, and the memory " +
+                        std::to_string(size()));
+    }
+    isWriting_ = true;
+    noDeadline();
+    writeNext();
+}
+
+void NvmRestore::writeNext() {
+    writing_ = std::min(pieceOfSession, image_.size() - written_);
+    auto const begin = image_.begin() + static_cast<std::ptrdiff_t>(written_);
+    write(written_, Bytes(begin, begin + static_cast<std::ptrdiff_t>(writing_)));
+}
+
+void NvmRestore::onWritten() {
+    written_ += writing_;
+    report(written_);
+    if (written_ == image_.size()) { return close(); }
+    writeNext();
+}
+
+/// The module takes up its new memory with a restart.
+void NvmRestore::onClosed() {
+    awaitsRestart_ = true;
+    tell<serialapi::SoftReset>({}, [this](serialapi::CallEnd end) {
+        if (end != serialapi::CallEnd::done) { return fail(complaint(end)); }
+        step(limits::restartTime);
+    });
+}
+
+bool NvmRestore::restarted() {
+    readAgain();
+    return isReading_;
+}
+
+void NvmRestore::readAgain() {
+    if (!awaitsRestart_) { return; }
+    awaitsRestart_ = false;
+    isReading_ = true;
+    noStep();
+    auto const startUp = std::make_shared<StartUp>();
+    host().submitPart(*this, startUp, [this, startUp] {
+        if (startUp->state() != JobState::done) { return fail("the module cannot be read again"); }
+        isStopping() ? endStopped() : done();
+    });
+}
+
+} // namespace zorv::controller
