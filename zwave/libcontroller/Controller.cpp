@@ -268,9 +268,7 @@ void Controller::startUp(bool softReset) {
     module_.start();
     enter(ModuleState::starting);
     auto job = std::make_shared<StartUp>(softReset, remembered_);
-    auto end = [this, softReset, job] {
-        startUpEnded(job->state() == JobState::done, softReset);
-    };
+    auto end = [this, softReset, job] { startUpEnded(job->state() == JobState::done, softReset); };
     add(job, std::move(end), 0);
 }
 

@@ -36,9 +36,7 @@ void FactoryReset::readAgain() {
     noStep();
     isReading_ = true;
     auto const startUp = std::make_shared<StartUp>();
-    host().submitPart(*this, startUp, [this, startUp] {
-        onRead(*startUp);
-    });
+    host().submitPart(*this, startUp, [this, startUp] { onRead(*startUp); });
 }
 
 /// Some modules call back and have erased nothing.

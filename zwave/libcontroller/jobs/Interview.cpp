@@ -72,9 +72,7 @@ bool Interview::askInformation() {
 
 void Interview::requestInformation() {
     auto const request = std::make_shared<NodeInformationRequest>(node_, behindOthers, questionTime);
-    host().submitPart(*this, request, [this, request] {
-        onInformation(*request);
-    });
+    host().submitPart(*this, request, [this, request] { onInformation(*request); });
 }
 
 void Interview::onInformation(Job const& request) {
