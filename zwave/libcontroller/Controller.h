@@ -44,6 +44,7 @@ struct QueueSizes {
 ///
 /// Like the module's interface below it, it knows no port and no clock: bytes and the time go in, bytes and the next
 /// deadline come out. After each call, write takeOutput() to the port, and call tick() when deadline() has come.
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): final, so nobody deletes it by a base
 class ZORV_EXPORT Controller final : private JobHost {
 public:
     /// With `interviews` every node of which not all is known is asked, by and by.

@@ -133,9 +133,10 @@ protected:
     }
 
     /// The same for a request whose callbacks, if any, belong to a call that is open.
-    template <class F> void tell(typename F::Request const& request, std::function<void(serialapi::CallEnd)> end = {}) {
+    template <class F>
+    void tell(typename F::Request const& request, std::function<void(serialapi::CallEnd)> const& end = {}) {
         serialapi::CallHandlers<F> handlers;
-        handlers.end = std::move(end);
+        handlers.end = end;
         calls_.push_back(host_->module().tell<F>(request, heard<F>(std::move(handlers)), now()));
     }
 

@@ -32,9 +32,9 @@ protected:
         serialapi::CallHandlers<F> handlers;
         handlers.callback = [this](serialapi::ModeCallback const& callback) { onCallback(callback); };
         handlers.end = [this](serialapi::CallEnd end) { onEnd(end); };
-        using namespace serialapi::mode;
-        auto const mode = static_cast<Byte>(any | normalPower | (networkWide_ ? networkWide : 0));
-        call_ = call<F>(request(mode, std::nullopt), std::move(handlers));
+        namespace mode = serialapi::mode;
+        auto const asked = static_cast<Byte>(mode::any | mode::normalPower | (networkWide_ ? mode::networkWide : 0));
+        call_ = call<F>(request(asked, std::nullopt), std::move(handlers));
         step(readyTime);
     }
 
@@ -83,25 +83,25 @@ private:
     }
 
     void onCallback(serialapi::ModeCallback const& callback) {
-        using namespace serialapi::mode;
+        namespace mode = serialapi::mode;
         switch (callback.status) {
-        case ready:
+        case mode::ready:
             if (state_ != State::starting) { return; }
             state_ = State::waiting;
             noStep();
             return report(MembershipStage::ready);
-        case nodeFound:
+        case mode::nodeFound:
             state_ = State::busy;
             step(busyTime());
             return report(MembershipStage::nodeFound);
-        case endNode:
-        case serialapi::mode::controller:
+        case mode::endNode:
+        case mode::controller:
             take(callback);
-            return report(callback.status == endNode ? MembershipStage::endNode : MembershipStage::controller);
-        case protocolDone: report(MembershipStage::protocolDone); return leave();
-        case serialapi::mode::done: return take(callback);
-        case failed: problem_ = "the module has failed with the node"; return;
-        case notPrimary: problem_ = "the module is not the primary controller"; return;
+            return report(callback.status == mode::endNode ? MembershipStage::endNode : MembershipStage::controller);
+        case mode::protocolDone: report(MembershipStage::protocolDone); return leave();
+        case mode::done: return take(callback);
+        case mode::failed: problem_ = "the module has failed with the node"; return;
+        case mode::notPrimary: problem_ = "the module is not the primary controller"; return;
         default: return;
         }
     }

@@ -68,13 +68,13 @@ void NvmJob::openByAddress() {
 
 // ---- reading and writing
 
-template <class F> void NvmJob::exchange(Byte operation, std::size_t offset, Byte length, Bytes data,
+template <class F> void NvmJob::exchange(Byte operation, std::size_t offset, Byte length, Bytes const& data,
                                          std::function<void(typename F::Response const&)> take) {
     typename F::Request request;
     request.operation = operation;
     request.length = length;
     request.offset = static_cast<decltype(request.offset)>(offset);
-    request.data = std::move(data);
+    request.data = data;
     serialapi::CallHandlers<F> handlers;
     handlers.response = [this, take = std::move(take)](typename F::Response const& response) {
         if (!isClosing_) { take(response); }
@@ -83,15 +83,15 @@ template <class F> void NvmJob::exchange(Byte operation, std::size_t offset, Byt
     call<F>(std::move(request), std::move(handlers));
 }
 
-void NvmJob::exchange(Byte operation, std::size_t offset, Byte length, Bytes data,
+void NvmJob::exchange(Byte operation, std::size_t offset, Byte length, Bytes const& data,
                       std::function<void(Byte status, std::size_t offset, Bytes const& data)> take) {
     auto const handle = [take = std::move(take)](auto const& response) {
         take(response.status, response.offset, response.data);
     };
     if (network().module.knows<NvmExtendedBackupRestore>()) {
-        return exchange<NvmExtendedBackupRestore>(operation, offset, length, std::move(data), handle);
+        return exchange<NvmExtendedBackupRestore>(operation, offset, length, data, handle);
     }
-    exchange<NvmBackupRestore>(operation, offset, length, std::move(data), handle);
+    exchange<NvmBackupRestore>(operation, offset, length, data, handle);
 }
 
 void NvmJob::read(std::size_t offset, std::size_t length) {

@@ -49,9 +49,9 @@ protected:
     bool hasSession() const;
 
 private:
-    template <class F> void exchange(Byte operation, std::size_t offset, Byte length, Bytes data,
+    template <class F> void exchange(Byte operation, std::size_t offset, Byte length, Bytes const& data,
                                      std::function<void(typename F::Response const&)> take);
-    void exchange(Byte operation, std::size_t offset, Byte length, Bytes data,
+    void exchange(Byte operation, std::size_t offset, Byte length, Bytes const& data,
                   std::function<void(Byte status, std::size_t offset, Bytes const& data)> take);
     void openByAddress();
     void closeByAddress();
