@@ -52,9 +52,9 @@ bool TcpBudget::grow(Share& share, std::size_t bytes) {
 
 TcpBudget::Share& TcpBudget::largest(Share& asking, std::size_t wanted) const {
     auto* most = &asking;
-    auto mostHeld = wanted;
+    auto mostHeld = wanted; // more than it holds yet
     for (auto* const share : shares_) {
-        if (share != &asking && share->held_ > mostHeld) {
+        if (share->held_ > mostHeld) {
             most = share;
             mostHeld = share->held_;
         }

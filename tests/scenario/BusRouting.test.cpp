@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "platform/libio/TcpBudget.h"
 #include "platform/libio/TcpListener.h"
 #include "platform/libio/connectTcp.h"
 #include "platform/libmessage_bus/MessageBus.h"
@@ -466,6 +467,42 @@ TEST_F(Bus, DisconnectsAPeerThatDoesNotOpenInTime) {
     LineClient const client(listener.local().port());
     runLoop(loop_);
     EXPECT_EQ(reason, "did not open the connection in time");
+}
+
+TEST_F(Bus, KeepsAPeerThatOpenedInTime) {
+    std::string reason;
+    MessageBus::Handlers handlers;
+    handlers.opening = [](PeerId, TMessage const&) { return std::string(); };
+    handlers.left = [&](PeerId, std::string const& why) { reason = why; };
+    MessageBus strict(loop_, handlers, milliseconds(200));
+    TcpListener const listener(loop_, {boost::asio::ip::address_v4::loopback(), 0}, TcpLimits(),
+                               [&](TcpConnection it) { strict.attach(std::move(it)); });
+    LineClient client(listener.local().port());
+    client.sendLine(versionLine());
+    Timer const later(loop_, milliseconds(400), [&] { loop_.stop(); });
+    runLoop(loop_);
+    EXPECT_EQ(reason, "");
+}
+
+TEST_F(Bus, CountsTheMemoryOfRequestsThatWaitForTheirAnswer) {
+    std::string reason;
+    MessageBus::Handlers handlers;
+    handlers.left = [&](PeerId, std::string const& why) {
+        reason = why;
+        loop_.stop();
+    };
+    MessageBus silent(loop_, handlers);
+    silent.handle<PingMsg>([](auto const&, PeerId) {});
+    TcpLimits limits;
+    limits.budget = std::make_shared<TcpBudget>(loop_, 100000, 10);
+    TcpListener const listener(loop_, {boost::asio::ip::address_v4::loopback(), 0}, limits,
+                               [&](TcpConnection it) { silent.attach(std::move(it)); });
+    LineClient client(listener.local().port());
+    std::string requests;
+    for (int i = 0; i < 400; ++i) { requests += pingLine(1) + '\n'; }
+    client.send(requests);
+    runLoop(loop_);
+    EXPECT_EQ(reason, "holds the most memory of all");
 }
 
 TEST_F(Bus, DoesNotGiveAPeerTheAnswerToAnothersRequestOfTheSamePortAndIdentity) {

@@ -291,6 +291,39 @@ TEST_F(TcpLines, AreCountedTwiceWhileTheyAreMovedToALargerBuffer) {
     EXPECT_EQ(lines_, Strings());
 }
 
+TEST_F(TcpLines, GiveTheirMemoryBackWhenTheirConnectionEnds) {
+    TcpLimits limits;
+    limits.line = 200000;
+    limits.budget = std::make_shared<TcpBudget>(loop_, 300000, 10);
+    connect(limits);
+    client_->send(std::string(60000, 'x'));
+    client_->close();
+    runLoop(loop_);
+    ASSERT_EQ(closed_, (Strings{"closed by the peer"}));
+    TcpBudget::Share other(limits.budget, [] {});
+    EXPECT_TRUE(other.hold(290000)); // although the ended connection is still there
+}
+
+TEST_F(TcpLines, EndOnceTheyAreSentHoweverLongThePeerMayTakeToLeave) {
+    TcpLimits limits;
+    limits.farewell = std::chrono::hours(1);
+    connect(limits);
+    onLine_ = [this] {
+        accepted_->send("answer");
+        accepted_->finish("done");
+    };
+    bool ended = false;
+    std::thread reader([&] {
+        client_->sendLine("question");
+        ended = client_->endsAfter(1);
+        client_->close();
+    });
+    runLoop(loop_);
+    reader.join();
+    EXPECT_TRUE(ended);
+    EXPECT_EQ(closed_, (Strings{"done"}));
+}
+
 TEST_F(TcpLines, KeepAConnectionWhosePeerEndedItsOutputUntilItIsFinished) {
     onInputEnded_ = [this] {
         loop_.post([this] {
