@@ -152,7 +152,7 @@ TEST(ModuleSimMemory, IsReadAndWrittenByAddressOnThe500Series) {
     EXPECT_EQ(link.ask<api::NvmExtWriteLongBuffer>({0, {image.begin(), image.begin() + 64}})->value, 0); // is there
     link.follow<api::SetDefault>({}, Milliseconds(2000));
     for (std::uint32_t offset = 0; offset < 0x3000; offset += 128) {
-        Bytes const piece(image.begin() + offset, image.begin() + offset + 128);
+        Bytes const piece(image.data() + offset, image.data() + offset + 128);
         link.ask<api::NvmExtWriteLongBuffer>({offset, piece});
     }
     restart(link);
