@@ -39,7 +39,7 @@ private:
 
 /// Hands out the texts of the empty set and of the flags, each with the separator that comes before it.
 template <class Use> void FlagTexts::forEachText(unsigned int bits, Use use) const {
-    std::string_view separator;
+    std::string_view separator = ""; // not null, which may not be copied from
     if ((bits & ~field_.mask) == 0) { use(std::exchange(separator, "|"), emptyText_); }
     for (auto const& flag : flags_) {
         if ((bits & static_cast<unsigned int>(flag.value)) != 0) { use(std::exchange(separator, "|"), flag.text); }
