@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <random>
 #include <string>
+#include <type_traits>
 
 namespace zorv::scan {
 namespace {
@@ -47,7 +48,13 @@ using Blocks = testing::Types<WordBlock, SseBlock>;
 #else
 using Blocks = testing::Types<WordBlock>;
 #endif
-TYPED_TEST_SUITE(Scan, Blocks);
+struct BlockName {
+    template <class Block> static std::string GetName(int) {
+        return std::is_same_v<Block, WordBlock> ? "WordBlock" : "SseBlock";
+    }
+};
+
+TYPED_TEST_SUITE(Scan, Blocks, BlockName);
 
 TYPED_TEST(Scan, FindsEveryCharacterInEveryPlaceOfATextOfAnyLength) {
     for (std::size_t length = 0; length <= 40; ++length) {
