@@ -18,6 +18,5 @@ void serveLearnMode(Core& core);
 void serveFailedNodes(Core& core);
 void serveRoles(Core& core);
 void serveMemory(Core& core);
-void serveFirmware(Core& core);
 
 } // namespace zorv::modulesim

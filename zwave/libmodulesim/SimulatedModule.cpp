@@ -19,7 +19,6 @@ SimulatedModule::SimulatedModule(SimulatedNetwork network) : core_(std::make_uni
     serveFailedNodes(*core_);
     serveRoles(*core_);
     serveMemory(*core_);
-    serveFirmware(*core_);
 }
 
 SimulatedModule::~SimulatedModule() = default;
