@@ -7,10 +7,6 @@
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/write.hpp>
-
-#include <netinet/tcp.h>
-#include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
@@ -23,12 +19,11 @@ namespace zorv {
 
 namespace {
 
-using boost::asio::ip::tcp;
 using boost::system::error_code;
 
 constexpr std::size_t chunkSize = 16384;
 constexpr std::size_t keptCapacity = 65536; // a buffer that grew beyond this is given back after its line
-constexpr std::size_t blockSize = 65536;    // short lines leave together, up to so many bytes
+constexpr std::size_t blockSize = 65536;    // short lines are gathered up to so many bytes, and no turn sends more
 constexpr int linesPerTurn = 8;             // lines of one peer, before the others have their turn
 constexpr std::size_t heavyLine = 65536;    // of lines of this size or more, only one is handled per turn
 
@@ -40,17 +35,15 @@ void clear(std::string& buffer) {
     }
 }
 
-/// Lets the system find out in about two minutes, not hours, that a silent peer's machine is gone.
-void setOptions(tcp::socket& socket) {
-    error_code ignored;
-    socket.set_option(tcp::no_delay(true), ignored);
-    socket.set_option(tcp::socket::keep_alive(true), ignored);
-    auto const set = [&socket](int option, int value) {
-        ::setsockopt(socket.native_handle(), IPPROTO_TCP, option, &value, sizeof value);
-    };
-    set(TCP_KEEPIDLE, 60);
-    set(TCP_KEEPINTVL, 15);
-    set(TCP_KEEPCNT, 4);
+/// The line with its end. A string that grows by itself may take twice what it needs.
+std::string ended(std::string&& line) {
+    if (line.size() == line.capacity()) {
+        std::string longer;
+        longer.reserve(line.size() + 1);
+        line = std::move(longer.append(line));
+    }
+    line += '\n';
+    return std::move(line);
 }
 
 } // namespace
@@ -62,14 +55,14 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         closed
     };
 
-    Impl(tcp::socket&& theSocket, TcpLimits const& theLimits)
-        : socket(std::move(theSocket)),
+    Impl(TcpSocket&& theSocket, TcpLimits const& theLimits)
+        : socket(std::move(theSocket.socket)),
           limits(theLimits),
           share(limits.budget, [this] { end("holds the most memory of all"); }),
-          farewell(socket.get_executor()) {
-        setOptions(socket);
-        error_code ignored;
-        remote = socket.remote_endpoint(ignored);
+          farewell(socket.get_executor()),
+          remote(theSocket.remote) {
+        error_code ignored; // a socket that is broken says so when it is read
+        socket.non_blocking(true, ignored);
     }
 
     // ---- memory
@@ -87,9 +80,15 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
     /// Counts what this connection holds; false if that is too much, and the connection has ended.
     bool hold(std::size_t lineCapacity) {
         if (state == State::closed) { return false; }
-        if (share.hold(lineCapacity + waiting + occupied)) { return true; }
+        if (share.hold(lineCapacity + waiting + sent + occupied)) { return true; }
         end("holds the most memory of all");
         return false;
+    }
+
+    /// Does the work later, so that the others have their turn before.
+    template <class Work> void later(Work const& work) {
+        boost::asio::post(socket.get_executor(),
+                          [self = shared_from_this(), work] { self->guarded([&] { work(*self); }); });
     }
 
     // ---- what arrives
@@ -117,17 +116,17 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         if (state == State::open && handlers.inputEnded) {
             handlers.inputEnded();
             watchForReset();
-        } else if (state == State::open || !flushing) {
-            end(state == State::open ? "closed by the peer" : reason);
+        } else if (state == State::open || queued.empty()) {
+            end(state == State::open ? std::string(closedByPeer) : reason);
         }
     }
 
     /// Reads nothing any more, but still notices by an error of the socket that the peer is gone.
     void watchForReset() {
         if (state == State::closed) { return; }
-        socket.async_wait(tcp::socket::wait_error, [self = shared_from_this()](error_code const& error) {
+        socket.async_wait(boost::asio::socket_base::wait_error, [self = shared_from_this()](error_code const& error) {
             if (!error) {
-                self->guarded([&] { self->end("closed by the peer"); });
+                self->guarded([&] { self->end(closedByPeer); });
             }
         });
     }
@@ -149,7 +148,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
             }
             handOn();
             if (++lines == linesPerTurn && !unread.empty()) {
-                return boost::asio::post(socket.get_executor(), [self = shared_from_this()] { self->goOn(false); });
+                return later([](Impl& self) { self.goOn(false); });
             }
         }
         unread = {};
@@ -196,50 +195,67 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
 
     // ---- what is sent
 
-    void send(std::string const& line) {
+    void send(std::string&& line) {
         if (state != State::open) { return; }
         if (waiting + line.size() + 1 > limits.backlog) {
             end("does not read: " + std::to_string(waiting) + " bytes wait");
             return;
         }
-        guarded([&] { enqueue(line); });
+        guarded([&] { enqueue(ended(std::move(line))); });
     }
 
-    void enqueue(std::string const& line) {
-        waiting += line.size() + 1;
+    /// A line becomes the buffer that is sent; short ones are gathered in one.
+    void enqueue(std::string&& line) {
+        waiting += line.size();
         if (!hold(partial.capacity())) { return; }
-        if (queued.empty() || queued.back().size() + line.size() >= blockSize) {
-            bool const first = queued.empty();
-            queued.emplace_back().reserve(first ? line.size() + 1 : std::max(line.size() + 1, blockSize));
+        if (queued.empty() || queued.back().size() + line.size() > blockSize) {
+            queued.push_back(std::move(line));
+        } else {
+            queued.back().append(line);
         }
-        queued.back().append(line) += '\n';
-        if (flushing) { return; }
-        // Later, so that the answers to all lines of one turn leave in one write.
-        flushing = true;
-        boost::asio::post(socket.get_executor(),
-                          [self = shared_from_this()] { self->guarded([&] { self->flush(); }); });
+        if (!flushing) { flushLater(); }
     }
 
+    /// So that the answers to all lines of one turn leave in one write; and so that those of all peers leave together:
+    /// with each write alone, a peer on another processor would have to be woken for each.
+    void flushLater() {
+        flushing = true;
+        later([](Impl& self) { self.flush(); });
+    }
+
+    /// Sends what a turn may send.
     void flush() {
         if (state == State::closed) { return; }
-        writing = std::move(queued.front());
-        queued.pop_front();
-        boost::asio::async_write(socket, boost::asio::buffer(writing),
-                                 [self = shared_from_this()](error_code const& error, std::size_t) {
-                                     self->guarded([&] { self->written(error); });
-                                 });
+        error_code error;
+        auto const& block = queued.front();
+        auto const size = std::min(block.size() - sent, blockSize);
+        auto const taken = socket.write_some(boost::asio::buffer(block.data() + sent, size), error);
+        if (error == boost::asio::error::would_block) {
+            flushWhenWritable();
+        } else if (error) {
+            end(error.message());
+        } else {
+            written(taken);
+        }
     }
 
-    void written(error_code const& error) {
-        waiting -= std::min(waiting, writing.size());
-        writing = std::string();
-        if (error) {
-            end(error.message());
-        } else if (!queued.empty()) {
-            flush();
-        } else {
-            flushing = false;
-            if (state == State::finishing) { sayGoodbye(); }
+    void flushWhenWritable() {
+        socket.async_wait(boost::asio::socket_base::wait_write,
+                          [self = shared_from_this()](error_code const&) { self->guarded([&] { self->flush(); }); });
+    }
+
+    void written(std::size_t size) {
+        waiting -= size;
+        sent += size;
+        if (sent == queued.front().size()) {
+            queued.pop_front();
+            sent = 0;
+        }
+        flushing = false;
+        if (!queued.empty()) {
+            flushLater();
+        } else if (state == State::finishing) {
+            sayGoodbye();
         }
         hold(partial.capacity());
     }
@@ -256,14 +272,14 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         farewell.async_wait([self = shared_from_this()](error_code const& error) {
             if (!error) { self->end(self->reason); }
         });
-        if (!flushing) { sayGoodbye(); }
+        if (queued.empty()) { sayGoodbye(); }
     }
 
     /// All that was queued is on its way.
     void sayGoodbye() {
         if (inputEnded) { return end(reason); }
         error_code ignored;
-        socket.shutdown(tcp::socket::shutdown_send, ignored);
+        socket.shutdown(boost::asio::socket_base::shutdown_send, ignored);
     }
 
     void end(std::string const& theReason) {
@@ -273,6 +289,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         socket.close(ignored);
         farewell.cancel(ignored);
         queued.clear();
+        waiting = sent = 0;
         unread = {};
         share.hold(0);
         boost::asio::post(socket.get_executor(), [self = shared_from_this(), theReason] {
@@ -281,7 +298,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         });
     }
 
-    tcp::socket socket;
+    boost::asio::generic::stream_protocol::socket socket;
     TcpLimits limits;
     TcpBudget::Share share;
     boost::asio::steady_timer farewell;
@@ -291,18 +308,18 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
     std::string reason;      // why a connection that is finishing ends
     bool abandoned = false;  // no handler is called any more
     bool inputEnded = false; // the peer sends nothing any more
-    bool flushing = false;   // `writing` is on its way or will be soon
+    bool flushing = false;   // flush() will be called
     std::array<char, chunkSize> chunk{};
     std::string_view unread; // of the chunk
     std::string partial;     // the line that is being read
     std::deque<std::string> queued;
-    std::string writing;
-    std::size_t waiting = 0;  // bytes in `queued` and `writing`
+    std::size_t sent = 0;     // of the first of them, bytes
+    std::size_t waiting = 0;  // bytes in `queued` that are not sent yet
     std::size_t occupied = 0; // bytes that others keep for this peer
 };
 
 TcpConnection::TcpConnection(TcpSocket&& socket, TcpLimits const& limits)
-    : impl_(std::make_shared<Impl>(std::move(socket.socket), limits)) {}
+    : impl_(std::make_shared<Impl>(std::move(socket), limits)) {}
 
 TcpConnection::~TcpConnection() {
     if (!impl_) { return; }
@@ -315,12 +332,14 @@ void TcpConnection::start(Handlers handlers) {
     impl_->guarded([this] { impl_->read(); });
 }
 
-void TcpConnection::send(std::string const& line) { impl_->send(line); }
+void TcpConnection::send(std::string line) { impl_->send(std::move(line)); }
 
 std::size_t TcpConnection::longestLine() const noexcept {
     auto const& limits = impl_->limits;
     return std::min(limits.line, limits.backlog - std::min<std::size_t>(limits.backlog, 1));
 }
+
+std::size_t TcpConnection::waiting() const noexcept { return impl_->waiting; }
 
 void TcpConnection::occupy(std::size_t bytes) {
     impl_->occupied = bytes;

@@ -32,7 +32,8 @@ struct TcpLimits {
     std::shared_ptr<TcpBudget> budget;
 };
 
-/// One end of a TCP connection that carries lines of text; all of it belongs to the event loop's thread.
+/// One end of a connection, over TCP or a Unix-domain socket, that carries lines of text; all of it belongs to the event
+/// loop's thread.
 ///
 /// A line ends with "\n"; "\r\n" is read as well. What is sent waits in a queue, so that no peer can block this
 /// process; a peer that lets more than the backlog limit wait is disconnected, and so is one for whose lines the memory
@@ -40,6 +41,9 @@ struct TcpLimits {
 class ZORV_EXPORT TcpConnection {
 public:
     using Endpoint = boost::asio::ip::basic_endpoint<boost::asio::ip::tcp>;
+
+    /// The reason of the usual end.
+    static constexpr char const* closedByPeer = "closed by the peer";
 
     struct Handlers {
         /// A line arrived, given without its end.
@@ -70,10 +74,15 @@ public:
     void start(Handlers handlers);
 
     /// Queues one line, given without its end; nothing happens on a connection that has ended.
-    void send(std::string const& line);
+    ///
+    /// A line that is moved here, and has the capacity for its end, is sent without a copy.
+    void send(std::string line);
 
     /// The longest line that the line limit and the backlog limit allow to send.
     std::size_t longestLine() const noexcept;
+
+    /// How many bytes of what was sent are still queued here.
+    std::size_t waiting() const noexcept;
 
     /// Sets how many bytes are kept elsewhere for this peer; they count as the peer's.
     void occupy(std::size_t bytes);
@@ -85,7 +94,8 @@ public:
     /// is thrown away.
     void finish(std::string const& reason);
 
-    /// The peer's address and port; 0.0.0.0:0 where the peer was gone before it could be asked.
+    /// The peer's address and port; 0.0.0.0:0 where the peer was gone before it could be asked, and 127.0.0.1:0 for a peer
+    /// on a Unix-domain socket.
     Endpoint const& remote() const noexcept;
 
 private:

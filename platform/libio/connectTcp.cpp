@@ -56,7 +56,7 @@ private:
         boost::asio::async_connect(socket_, endpoints_,
                                    [self = shared_from_this()](error_code const& error, tcp::endpoint const&) {
                                        if (error) { return self->fail(error.message()); }
-                                       TcpConnection connection(TcpSocket{std::move(self->socket_)}, self->limits_);
+                                       TcpConnection connection(TcpSocket(std::move(self->socket_)), self->limits_);
                                        if (auto const handlers = self->finish()) {
                                            handlers->connected(std::move(connection));
                                        }

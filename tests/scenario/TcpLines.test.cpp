@@ -69,6 +69,14 @@ protected:
         return limits;
     }
 
+    /// Notices the most bytes that leave between two turns of everybody else.
+    void watchSending() {
+        loop_.post([this, before = accepted_->waiting()] {
+            mostInATurn_ = std::max(mostInATurn_, before - accepted_->waiting());
+            if (accepted_->waiting() > 0) { watchSending(); }
+        });
+    }
+
     /// Runs until the accepted end has read so many lines.
     void runUntilLines(std::size_t count) {
         onLine_ = [this, count] {
@@ -86,6 +94,7 @@ protected:
     std::function<void()> onInputEnded_;
     std::vector<std::string> lines_;
     int overlong_ = 0;
+    std::size_t mostInATurn_ = 0;
     std::vector<std::string> closed_;
 };
 
@@ -279,6 +288,60 @@ TEST_F(TcpLines, ThatAreLongAreHandedOnOneInATurn) {
     EXPECT_EQ(most, 1);
 }
 
+TEST_F(TcpLines, ThatAreLongAreSentAPieceInATurn) {
+    connect({});
+    onLine_ = [this] {
+        if (lines_.size() == 2) { return loop_.stop(); }
+        accepted_->send(std::string(4000000, 'x'));
+        watchSending();
+    };
+    std::thread peer([this] {
+        client_->send("go\n");
+        EXPECT_EQ(client_->receiveLine(), std::string(4000000, 'x'));
+        client_->send("received\n");
+    });
+    runLoop(loop_);
+    peer.join();
+    EXPECT_EQ(mostInATurn_, 65536U);
+}
+
+TEST_F(TcpLines, ThatAnswerAllThatCameInOneTurnLeaveInOneWrite) {
+    connect({});
+    onLine_ = [this] {
+        accepted_->send("answer");
+        if (lines_.size() == 9) { loop_.stop(); }
+    };
+    std::thread peer([this] {
+        client_->send("1\n2\n3\n4\n5\n6\n7\n8\n");
+        for (int i = 0; i < 8; ++i) { EXPECT_EQ(client_->receiveLine(), "answer"); }
+        EXPECT_EQ(client_->receivedSegments(), 1U); // no write shares its segment with another
+        client_->send("9\n");
+    });
+    runLoop(loop_);
+    peer.join();
+}
+
+TEST_F(TcpLines, OfAllLengthsArriveInTheOrderInWhichTheyAreSent) {
+    connect({});
+    std::vector<std::string> sent;
+    for (auto const size : {0U, 1U, 70000U, 3U, 65534U, 1U, 65536U, 5U, 200000U, 0U, 7U}) {
+        sent.emplace_back(size, static_cast<char>('a' + sent.size()));
+    }
+    onLine_ = [&] {
+        if (lines_.size() == 2) { return loop_.stop(); }
+        for (auto const& line : sent) { accepted_->send(line); }
+    };
+    Strings received;
+    std::thread peer([&] {
+        client_->send("go\n");
+        while (received.size() < sent.size()) { received.push_back(client_->receiveLine()); }
+        client_->send("received\n");
+    });
+    runLoop(loop_);
+    peer.join();
+    EXPECT_EQ(received, sent);
+}
+
 TEST_F(TcpLines, AreCountedTwiceWhileTheyAreMovedToALargerBuffer) {
     TcpLimits limits;
     limits.line = 200000;
@@ -302,6 +365,39 @@ TEST_F(TcpLines, GiveTheirMemoryBackWhenTheirConnectionEnds) {
     ASSERT_EQ(closed_, (Strings{"closed by the peer"}));
     TcpBudget::Share other(limits.budget, [] {});
     EXPECT_TRUE(other.hold(290000)); // although the ended connection is still there
+}
+
+TEST_F(TcpLines, CountTowardsTheCommonLimitWhileTheyWaitToBeSent) {
+    TcpLimits limits;
+    limits.budget = std::make_shared<TcpBudget>(loop_, 300000, 10);
+    connect(limits);
+    onLine_ = [this] {
+        accepted_->send(std::string(400000, 'x'));
+        loop_.post([this] { loop_.stop(); });
+    };
+    client_->send("go\n");
+    runLoop(loop_);
+    EXPECT_EQ(closed_, (Strings{"holds the most memory of all"}));
+}
+
+TEST_F(TcpLines, GiveTheirMemoryBackOnceTheyAreSent) {
+    TcpLimits limits;
+    limits.budget = std::make_shared<TcpBudget>(loop_, 300000, 10);
+    connect(limits);
+    TcpBudget::Share other(limits.budget, [] {});
+    onLine_ = [&] {
+        if (lines_.size() == 1) { return accepted_->send(std::string(200000, 'x')); }
+        EXPECT_TRUE(other.hold(290000)); // the connection would have to end if it still held the line
+        loop_.post([this] { loop_.stop(); });
+    };
+    client_->send("go\n");
+    std::thread peer([this] {
+        EXPECT_EQ(client_->receiveLine().size(), 200000U);
+        client_->send("more\n");
+    });
+    runLoop(loop_);
+    peer.join();
+    EXPECT_EQ(closed_, Strings());
 }
 
 TEST_F(TcpLines, EndOnceTheyAreSentHoweverLongThePeerMayTakeToLeave) {
