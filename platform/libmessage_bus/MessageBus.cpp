@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libmessage_bus/MessageBus.h"
 
+#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
 #include "platform/libtransport/toText.h"
 #include "platform/libzorvlogger/Logger.h"
@@ -23,6 +24,29 @@ namespace {
 
 constexpr std::size_t shownTraffic = 1000; // of each line, in bytes
 constexpr std::size_t requestBytes = 1024; // what a request costs beside its own text, about
+
+/// The text of a message, with room for the end of its line, so that the connection sends it without a copy.
+std::string lineOf(TMessage const& message) {
+    Serializer s;
+    message.serialInserter(s);
+    s.writeRaw("\n");
+    auto line = std::move(s).str();
+    line.pop_back();
+    return line;
+}
+
+std::string copyOf(std::string const& line) {
+    std::string copy;
+    copy.reserve(line.size() + 1);
+    return copy.append(line);
+}
+
+/// The message as one that carries a result; empty where it carries none.
+boost::shared_ptr<TConfirmable> confirmableOf(boost::shared_ptr<TMessage> const& message) {
+    auto* const confirmable = message->asConfirmable();
+    if (confirmable == nullptr) { return nullptr; }
+    return {message, confirmable};
+}
 
 /// Whether a message was written with its header. Without one, no answer can be linked to it, and it cannot be linked
 /// to the request that it answers.
@@ -93,12 +117,25 @@ void MessageBus::disconnect(PeerId peer) {
     if (found != peers_.end()) { found->second.connection.close(); }
 }
 
+std::vector<MessageBus::PeerInfo> MessageBus::peers() const {
+    std::vector<PeerInfo> infos;
+    for (auto const& [id, peer] : peers_) {
+        infos.push_back({peer.connection.remote(), peer.received, peer.sent, peer.unanswered.size(),
+                         peer.connection.waiting(), peer.events.size(), static_cast<bool>(peer.makeCopy)});
+    }
+    return infos;
+}
+
+void MessageBus::disconnectAll(std::string const& reason) {
+    for (auto& [id, peer] : peers_) { peer.connection.finish(reason); }
+}
+
 void MessageBus::inputEnded(PeerId from) {
     auto& peer = peers_.at(from);
     peer.inputEnded = true;
     if (handlers_.inputEnded) { handlers_.inputEnded(from); }
-    if (peer.unanswered == 0) {
-        peer.connection.finish("closed by the peer");
+    if (peer.unanswered.empty()) {
+        peer.connection.finish(TcpConnection::closedByPeer);
     } else {
         finishAll(from); // it can ask for answers, but not give any
     }
@@ -113,8 +150,6 @@ void MessageBus::closed(PeerId peer, std::string const& reason) {
              BOOST_CURRENT_LOCATION);
     }
     peers_.erase(gone);
-    asked_.erase(asked_.lower_bound({peer, boost::uuids::nil_uuid()}),
-                 asked_.lower_bound({PeerId{static_cast<std::uint64_t>(peer) + 1}, boost::uuids::nil_uuid()}));
     if (handlers_.left) { handlers_.left(peer, reason); }
     finishAll(peer);
 }
@@ -136,15 +171,29 @@ std::string MessageBus::nameOf(Peer const& peer) { return boost::lexical_cast<st
 
 // ---- what arrives
 
+/// The log is asked once about a line and all that is sent because of it: that takes as long as writing a short message.
 void MessageBus::received(PeerId from, std::string const& line) {
-    auto const& connection = peers_.at(from).connection;
-    if (Logger::enabled(LogLevel::debug)) { traceLine(" -> ", nameOf(peers_.at(from)), line); }
+    struct Forget {
+        std::optional<bool>& traced;
+        ~Forget() { traced.reset(); }
+    } const forget{traced_};
+    traced_ = Logger::enabled(LogLevel::debug);
+    take(from, line);
+}
+
+bool MessageBus::isTraced() const { return traced_ ? *traced_ : Logger::enabled(LogLevel::debug); }
+
+void MessageBus::take(PeerId from, std::string const& line) {
+    auto& peer = peers_.at(from);
+    if (isTraced()) { traceLine(" -> ", nameOf(peer), line); }
     MessagePtr message;
     try {
         message = readMessage(line);
     } catch (BadMessageError const& error) { return refuseLine(from, error); }
-    message->source(connection.remote());
-    if (!peers_.at(from).opened) { return open(from, message); }
+    message->source(peer.source);
+    ++counters_.received;
+    ++peer.received;
+    if (!peer.opened) { return open(from, message); }
     show(Direction::received, from, message);
     dispatch(from, message, line.size());
 }
@@ -157,11 +206,12 @@ void MessageBus::open(PeerId from, MessagePtr const& first) {
     auto& peer = peers_.at(from);
     peer.opened = true;
     peer.opening.cancel();
-    if (auto const confirmable = boost::dynamic_pointer_cast<TConfirmable>(first)) { settle(from, confirmable); }
+    if (auto const confirmable = confirmableOf(first)) { settle(from, confirmable); }
 }
 
 void MessageBus::refuseLine(PeerId from, BadMessageError const& error) {
     auto& peer = peers_.at(from);
+    ++counters_.badLines;
     complain(from, (peer.opened ? "bad line: " : "bad first line: ") + std::string(error.what()) + ", from ");
     if (handlers_.badLine) { handlers_.badLine(from, error); }
     if (!peer.opened) {
@@ -173,7 +223,7 @@ void MessageBus::refuseLine(PeerId from, BadMessageError const& error) {
 }
 
 void MessageBus::dispatch(PeerId from, MessagePtr const& message, std::size_t bytes) {
-    auto const confirmable = boost::dynamic_pointer_cast<TConfirmable>(message);
+    auto const confirmable = confirmableOf(message);
     if (confirmable && settle(from, confirmable)) { return; }
     auto const& dynamicType = *message;
     auto const handler = classHandlers_.find(typeid(dynamicType));
@@ -183,6 +233,7 @@ void MessageBus::dispatch(PeerId from, MessagePtr const& message, std::size_t by
         call(handler->second, from, message);
     } else if (!isRequest) {
         // An answer is never answered: two processes would answer each other for ever.
+        ++counters_.dropped;
         complain(from, "nobody waits for " + message->name() + " from ");
     } else if (handled) {
         dispatchRequest(from, handler->second, confirmable, bytes);
@@ -195,13 +246,12 @@ void MessageBus::dispatch(PeerId from, MessagePtr const& message, std::size_t by
 void MessageBus::dispatchRequest(PeerId from, ClassHandler const& handler, ConfirmablePtr const& request,
                                  std::size_t bytes) {
     auto& peer = peers_.at(from);
-    if (peer.unanswered == unansweredLimit) {
+    if (peer.unanswered.size() == unansweredLimit) {
         complain(from, "too many unanswered requests of ");
         reject(from, *request);
         return;
     }
-    asked_.emplace(Key(from, request->id()), Asked{request, bytes + requestBytes});
-    ++peer.unanswered;
+    peer.unanswered.push_back({request->id(), request, bytes + requestBytes});
     peer.unansweredBytes += bytes + requestBytes;
     peer.connection.occupy(peer.unansweredBytes);
     if (!call(handler, from, request)) { answer(from, makeEmptyResponse(*request, TResult::failure)); }
@@ -250,6 +300,11 @@ bool MessageBus::settleByClass(PeerId from, ConfirmablePtr const& answer) {
 }
 
 void MessageBus::settle(std::map<Key, Pending>::iterator pending, ConfirmablePtr const& answer) {
+    if (answer->result() == TResult::inProgress) {
+        auto const progress = pending->second.progress; // which may send another request
+        if (progress) { progress(answer); }
+        return;
+    }
     auto const answered = std::move(pending->second.answered);
     pending_.erase(pending);
     answered(answer);
@@ -259,41 +314,55 @@ void MessageBus::settle(std::map<Key, Pending>::iterator pending, ConfirmablePtr
 
 void MessageBus::send(PeerId to, MessagePtr const& message) {
     if (peers_.count(to) == 0) { return; }
-    deliver(to, message, toText(*message));
+    deliver(to, message, lineOf(*message));
 }
 
-void MessageBus::deliver(PeerId to, MessagePtr const& message, std::string const& text) {
+void MessageBus::deliver(PeerId to, MessagePtr const& message, std::string text) {
     auto& peer = peers_.at(to);
-    if (Logger::enabled(LogLevel::debug)) { traceLine(" <- ", nameOf(peer), text); }
-    peer.connection.send(text);
+    if (isTraced()) { traceLine(" <- ", nameOf(peer), text); }
+    ++counters_.sent;
+    ++peer.sent;
+    peer.connection.send(std::move(text));
     show(Direction::sent, to, message);
 }
 
 void MessageBus::reject(PeerId to, TConfirmable const& request) {
+    ++counters_.rejected;
     auto const rejection = makeEmptyResponse(request, TResult::rejected);
-    auto const text = toText(*rejection);
-    if (carriesHeader(*rejection, text)) { deliver(to, rejection, text); }
+    auto text = lineOf(*rejection);
+    if (carriesHeader(*rejection, text)) { deliver(to, rejection, std::move(text)); }
+}
+
+void MessageBus::refuse(PeerId asker, TConfirmable const& request) {
+    ++counters_.rejected;
+    answer(asker, makeEmptyResponse(request, TResult::rejected));
 }
 
 void MessageBus::answer(PeerId asker, ConfirmablePtr const& response) {
-    auto const asked = asked_.find({asker, response->correlation()});
-    if (asked == asked_.end()) { return; }
-    auto const it = asked->second;
-    asked_.erase(asked);
-    auto& peer = peers_.at(asker);
-    --peer.unanswered;
-    peer.unansweredBytes -= it.bytes;
+    auto const found = peers_.find(asker);
+    if (found == peers_.end()) { return; }
+    auto& peer = found->second;
+    auto const asked = std::find_if(peer.unanswered.begin(), peer.unanswered.end(),
+                                    [&response](Asked const& one) { return one.id == response->correlation(); });
+    if (asked == peer.unanswered.end()) { return; }
+    if (response->result() == TResult::inProgress) {
+        sendAnswer(asker, response);
+        return;
+    }
+    auto const answered = std::move(*asked);
+    peer.unanswered.erase(asked);
+    peer.unansweredBytes -= answered.bytes;
     peer.connection.occupy(peer.unansweredBytes);
-    if (!sendAnswer(asker, response)) { sendAnswer(asker, makeEmptyResponse(*it.request, TResult::failure)); }
-    if (peer.inputEnded && peer.unanswered == 0) { peer.connection.finish("closed by the peer"); }
+    if (!sendAnswer(asker, response)) { sendAnswer(asker, makeEmptyResponse(*answered.request, TResult::failure)); }
+    if (peer.inputEnded && peer.unanswered.empty()) { peer.connection.finish(TcpConnection::closedByPeer); }
 }
 
 bool MessageBus::sendAnswer(PeerId to, ConfirmablePtr const& response) {
     try {
-        auto const text = toText(*response);
+        auto text = lineOf(*response);
         bool const fits = text.size() <= peers_.at(to).connection.longestLine();
         if (fits) {
-            deliver(to, response, text);
+            deliver(to, response, std::move(text));
         } else {
             warn("cannot write " + response->name() + ": a line of " + std::to_string(text.size()) +
                      " bytes is too long",
@@ -307,11 +376,11 @@ bool MessageBus::sendAnswer(PeerId to, ConfirmablePtr const& response) {
 }
 
 void MessageBus::request(PeerId to, ConfirmablePtr const& request, std::chrono::milliseconds deadline,
-                         Answered answered) {
+                         Answered answered, Answered progress) {
     Key const key(to, request->id());
-    auto const text = toText(*request);
-    auto const added =
-        pending_.try_emplace(key, Pending{request, std::move(answered), Timer(), carriesHeader(*request, text)});
+    auto text = lineOf(*request);
+    auto const added = pending_.try_emplace(
+        key, Pending{request, std::move(answered), std::move(progress), Timer(), carriesHeader(*request, text)});
     if (!added.second) { throw std::invalid_argument("the request is waiting for its answer already"); }
     auto& timer = added.first->second.deadline;
     auto const peer = peers_.find(to);
@@ -324,7 +393,7 @@ void MessageBus::request(PeerId to, ConfirmablePtr const& request, std::chrono::
         if (expired_.size() > expiredLimit) { expired_.pop_front(); }
         finish(key, TResult::timeout);
     });
-    deliver(to, request, text);
+    deliver(to, request, std::move(text));
 }
 
 /// Ends a request's wait without an answer of the peer.
@@ -354,12 +423,21 @@ void MessageBus::unsubscribe(PeerId peer, std::string const& event) {
     if (found != peers_.end()) { found->second.events.erase(event); }
 }
 
+bool MessageBus::hears(Peer const& peer, std::string const& event) {
+    return peer.events.count(event) != 0 || peer.events.count(everyEvent) != 0;
+}
+
+bool MessageBus::hasSubscribers(std::string const& event) const {
+    return std::any_of(peers_.begin(), peers_.end(),
+                       [&event](auto const& entry) { return hears(entry.second, event); });
+}
+
 void MessageBus::publish(std::string const& event, MessagePtr const& message) {
     std::string text; // written once, however many subscribed
     for (auto& [id, peer] : peers_) {
-        if (peer.events.count(event) == 0) { continue; }
+        if (!hears(peer, event)) { continue; }
         if (text.empty()) { text = toText(*message); }
-        deliver(id, message, text);
+        deliver(id, message, copyOf(text));
     }
 }
 
@@ -380,12 +458,21 @@ void MessageBus::unobserve(PeerId observer) {
     --observerCount_;
 }
 
+void MessageBus::sendCopy(PeerId observer, std::string text) {
+    auto& connection = peers_.at(observer).connection;
+    if (connection.waiting() + text.size() <= observerBacklog) { return connection.send(std::move(text)); }
+    complain(observer, "does not keep up with what it observes: ");
+    unobserve(observer);
+    connection.close("does not keep up with what it observes");
+}
+
 void MessageBus::show(Direction direction, PeerId peer, MessagePtr const& message) {
     if (observerCount_ == 0) { return; }
     for (auto& [id, observer] : peers_) {
         if (id == peer || !observer.makeCopy) { continue; }
         try {
-            observer.connection.send(toText(*observer.makeCopy(direction, message)));
+            auto const copy = observer.makeCopy(direction, message);
+            if (copy) { sendCopy(id, lineOf(*copy)); }
         } catch (std::exception const& error) { warn("cannot show " + message->name(), error); }
     }
 }

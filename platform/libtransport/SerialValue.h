@@ -172,6 +172,13 @@ template <class Key, class Value> Serializer& operator<<(Serializer& s, std::map
     return insertPairs(s, map);
 }
 
+template <class Key, class Value> void reservePairs(std::map<Key, Value>&, std::size_t) {}
+
+template <class Key, class Value, class Hash, class Equal>
+void reservePairs(boost::unordered_map<Key, Value, Hash, Equal>& map, std::size_t count) {
+    map.reserve(map.size() + count);
+}
+
 /// Reads an array of pairs into a map: of equal keys the first wins, and entries that were there are kept.
 template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Map& map, RequireArray requireArray) {
     if (s.skipAbsent()) { return s; }
@@ -180,6 +187,7 @@ template <class Map, class RequireArray> Serializer& readPairs(Serializer& s, Ma
     if (count > limits::maxPairs) {
         s.fail("expected at most " + std::to_string(limits::maxPairs) + " entries, got " + std::to_string(count));
     }
+    reservePairs(map, count);
     for (std::size_t i = 0; i < count; ++i) {
         s.element(i);
         requireArray(s);

@@ -6,6 +6,7 @@
 namespace zorv {
 
 class Serializer;
+class TMessage;
 
 /// Root of everything that is written to and read from JSON text through a Serializer.
 class ZORV_EXPORT Serializable {
@@ -18,6 +19,10 @@ public:
 
     /// Reads the object from the selected value; members whose keys are absent keep what they hold.
     virtual void serialExtract(Serializer& s);
+
+    /// The object as a message; null where it is none. Asked for every line that arrives: a dynamic_cast compares names of
+    /// classes, and takes as long as the reading of several members.
+    virtual TMessage* asMessage() noexcept { return nullptr; }
 
     /// Version of the class's wire form.
     int version() const noexcept { return version_; }

@@ -288,12 +288,12 @@ std::string_view bare(std::string_view key) noexcept { return key.substr(1, key.
 
 bool endsScalar(char c) noexcept { return c == ',' || c == '}' || c == ']'; }
 
-/// Reads up to nine digits, which fit any 32 bits, up to what ends a scalar; null where it is another number.
-char const* readDigits(char const* at, unsigned int& value) noexcept {
-    unsigned int read = 0;
-    for (auto const* const limit = at + 9; scan::isDigit(*at); ++at) {
+/// Reads up to ten digits, as many as 32 bits have, up to what ends a scalar; null where it is another number.
+char const* readDigits(char const* at, std::uint64_t& value) noexcept {
+    std::uint64_t read = 0;
+    for (auto const* const limit = at + 10; scan::isDigit(*at); ++at) {
         if (at == limit) { return nullptr; }
-        read = read * 10 + static_cast<unsigned int>(*at - '0');
+        read = read * 10 + static_cast<unsigned char>(*at - '0');
     }
     value = read;
     return endsScalar(*at) ? at : nullptr;
@@ -301,7 +301,8 @@ char const* readDigits(char const* at, unsigned int& value) noexcept {
 
 } // namespace
 
-/// Where the value of the next member begins, if that has the key and no blanks around it; else null.
+/// Where the text goes on behind the key of the next member and its colon, if the key is that one and there are no blanks
+/// before the colon; else null. Blanks may follow.
 ///
 /// Only in an object is a string followed by a colon, so that nothing else can be taken for it.
 char const* Serializer::valueOfNext(std::string_view key) const noexcept {
@@ -323,11 +324,10 @@ void Serializer::goOn(char const* behind) {
 }
 
 template <class Integer> Serializer& Serializer::readMember(std::string_view key, Integer& value) {
-    unsigned int number = 0;
+    std::uint64_t number = 0;
     if (auto const* const at = valueOfNext(key)) {
         auto const* const behind = readDigits(at, number);
-        if (behind != nullptr && behind != at &&
-            number <= static_cast<unsigned int>(std::numeric_limits<Integer>::max())) {
+        if (behind != nullptr && behind != at && number <= std::uint64_t{std::numeric_limits<Integer>::max()}) {
             value = static_cast<Integer>(number);
             goOn(behind);
             return *this;
@@ -370,7 +370,7 @@ void Serializer::passText(std::string_view text) { goOn(text.data() + text.size(
 Serializer& Serializer::enter(std::string_view key) {
     auto const* const at = valueOfNext(key);
     if (at == nullptr) { return select(bare(key)); }
-    push(stepTo(at, top().next.extent));
+    push(stepTo(skipBlanks(at), top().next.extent));
     return *this;
 }
 

@@ -15,6 +15,8 @@ public:
     void serialInserter(Serializer& s) const override;
     void serialExtract(Serializer& s) override;
 
+    TConfirmable* asConfirmable() noexcept final { return this; }
+
     /// A copy of the message, made by its copy constructor.
     virtual boost::shared_ptr<TConfirmable> clone() const;
 

@@ -14,6 +14,7 @@
 
 namespace zorv {
 
+class TConfirmable;
 struct TypeDescriptor;
 
 /// Base of every message: its header, with identity, time, priority, source, role and correlation.
@@ -41,6 +42,11 @@ public:
     void serialInserter(Serializer& s) const override;
     void serialExtract(Serializer& s) override;
 
+    TMessage* asMessage() noexcept final { return this; }
+
+    /// The message as one that carries a result; null where it carries none.
+    virtual TConfirmable* asConfirmable() noexcept { return nullptr; }
+
     /// Lower priorities come after higher ones, and younger messages after older ones.
     bool less(boost::shared_ptr<Message> const& other) const override;
 
@@ -61,6 +67,7 @@ public:
 
     void priority(Priority::Enum priority) noexcept { priority_ = priority; }
     void source(Endpoint const& source) { source_ = source; }
+    void source(TcpEndpointValue const& source) { source_ = source; }
     void role(MessageRole::Enum role) noexcept { role_ = role; }
 
     /// Makes this message the answer to `request`: its correlation becomes the request's identity, its source the

@@ -56,6 +56,7 @@ public:
     std::string take() { return std::move(all()); }
 
 private:
+    void appendToText(std::string_view piece);
     void moveBlock();
     void appendBehindBlock(std::string_view piece);
 

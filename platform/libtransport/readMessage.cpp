@@ -66,8 +66,9 @@ boost::shared_ptr<TMessage const> readHeader(Serializer& s) {
 boost::shared_ptr<TMessage> readFrom(Serializer& s) {
     std::string complaint = "not a message";
     try {
-        auto message = boost::dynamic_pointer_cast<TMessage>(boost::shared_ptr<Serializable>(s.deserialize()));
-        if (message) { return message; }
+        boost::shared_ptr<Serializable> const object(s.deserialize());
+        auto* const message = object ? object->asMessage() : nullptr;
+        if (message != nullptr) { return {object, message}; }
     } catch (std::exception const& error) { complaint = toLogText(placeOf(error) + error.what()); }
     throw BadMessageError(complaint, readHeader(s));
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvcrypto/base64Decode.h"
 
-#include <openssl/evp.h>
+#include <boost/beast/core/detail/base64.hpp>
 
 #include <algorithm>
 #include <array>
@@ -25,14 +25,15 @@ constexpr std::size_t blockBytes = blockChars / 4 * 3;
 
 /// Decodes up to `blockChars` characters to three bytes for each four of them, of which the last `padding` are not part
 /// of the data; false where the text is not what an encoder writes for these bytes.
-bool decodeBlock(unsigned char const* text, std::size_t length, std::size_t padding, unsigned char* bytes) noexcept {
-    auto const decoded = length / 4 * 3;
-    if (EVP_DecodeBlock(bytes, text, static_cast<int>(length)) != static_cast<int>(decoded)) { return false; }
-    // The decoder lets a few things pass: white space and a dash at the ends, padding anywhere, bits that are left over.
+bool decodeBlock(char const* text, std::size_t length, std::size_t padding, unsigned char* bytes) noexcept {
+    namespace base64 = boost::beast::detail::base64;
+    auto const decoded = base64::decode(bytes, text, length).first;
+    if (decoded != length / 4 * 3 - padding) { return false; }
+    // The decoder lets a few things pass: it stops at padding, wherever that is, and drops bits that are left over.
     // Encoding the bytes again gives the one text that stands for them.
-    std::array<unsigned char, blockChars + 1> again; // NOLINT(cppcoreguidelines-pro-type-member-init): written below
-    auto const written = EVP_EncodeBlock(again.data(), bytes, static_cast<int>(decoded - padding));
-    return written == static_cast<int>(length) && std::memcmp(again.data(), text, length) == 0;
+    std::array<char, blockChars> again; // NOLINT(cppcoreguidelines-pro-type-member-init): written below
+    auto const written = base64::encode(again.data(), bytes, decoded);
+    return written == length && std::memcmp(again.data(), text, length) == 0;
 }
 
 } // namespace
@@ -47,12 +48,11 @@ CryptoResult base64Decode(char const* text, std::size_t length, boost::system::e
     try {
         bytes.resize(length / 4 * 3);
     } catch (std::exception const&) { return fail(error, errc::not_enough_memory); }
-    auto const* const from = reinterpret_cast<unsigned char const*>(text);
     auto* to = bytes.data();
     for (std::size_t at = 0; at < length; at += blockChars, to += blockBytes) {
         auto const size = std::min(blockChars, length - at);
         bool const last = size == length - at;
-        if (!decodeBlock(from + at, size, last ? padding : 0, to)) { return fail(error, errc::illegal_byte_sequence); }
+        if (!decodeBlock(text + at, size, last ? padding : 0, to)) { return fail(error, errc::illegal_byte_sequence); }
     }
     bytes.resize(bytes.size() - padding);
     return CryptoResult(std::move(bytes));

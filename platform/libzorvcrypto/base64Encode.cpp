@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libzorvcrypto/base64Encode.h"
 
-#include <openssl/evp.h>
+#include <boost/beast/core/detail/base64.hpp>
 
 #include <algorithm>
 #include <exception>
@@ -13,7 +13,6 @@ namespace {
 namespace errc = boost::system::errc;
 
 constexpr std::size_t lineBytes = 48;
-constexpr std::size_t blockBytes = 3U << 20U; // the encoder counts with int; whole groups, so that none is padded early
 
 } // namespace
 
@@ -38,12 +37,10 @@ std::string base64Encode(unsigned char const* data, std::size_t length, bool lin
         error = errc::make_error_code(errc::not_enough_memory);
         return text;
     }
-    std::size_t const step = lines ? lineBytes : blockBytes;
+    std::size_t const step = lines ? lineBytes : length;
     char* end = text.data();
     for (std::size_t at = 0; at < length; at += step) {
-        auto const size = static_cast<int>(std::min(step, length - at));
-        // Writes a NUL behind the text: the next block, the line feed or the string's own end overwrites it.
-        end += EVP_EncodeBlock(reinterpret_cast<unsigned char*>(end), data + at, size);
+        end += boost::beast::detail::base64::encode(end, data + at, std::min(step, length - at));
         if (lines) { *end++ = '\n'; }
     }
     return text;

@@ -36,8 +36,7 @@ NonBlockingConsole* unfinished = nullptr;
 class Log {
 public:
     Log() {
-        auto root = log4cplus::Logger::getRoot();
-        if (!root.getAllAppenders().empty()) { return; }
+        if (!root_.getAllAppenders().empty()) { return; }
         if (unfinished == nullptr) {
             unfinished = new NonBlockingConsole(STDERR_FILENO);
             unfinished->addReference();
@@ -45,7 +44,7 @@ public:
         console_ = unfinished;
         console_->setLayout(std::make_unique<log4cplus::PatternLayout>("%d{%Y-%m-%dT%H:%M:%S.%qZ} %p %m%n")); // UTC
         consoleThreshold(LogLevel::warn);
-        root.addAppender(console_);
+        root_.addAppender(console_);
         // log4cplus starts four threads for asynchronous appenders as it is loaded. There is no such appender here: one
         // thread stays.
         log4cplus::setThreadPoolSize(0);
@@ -54,7 +53,7 @@ public:
 
     // The console's code is unloaded with this library, and log4cplus may stay loaded.
     ~Log() {
-        if (console_) { log4cplus::Logger::getRoot().removeAppender(console_); }
+        if (console_) { root_.removeAppender(console_); }
     }
 
     Log(Log const&) = delete;
@@ -69,12 +68,13 @@ public:
     }
 
     /// Whether some appender may show the level.
-    bool enabled(log4cplus::LogLevel level) const {
+    bool enabled(log4cplus::LogLevel level) {
         if (!logger_.isEnabledFor(level)) { return false; }
-        return level >= consoleLevel_ || log4cplus::Logger::getRoot().getAllAppenders().size() != 1;
+        return level >= consoleLevel_ || root_.getAllAppenders().size() != 1;
     }
 
 private:
+    log4cplus::Logger root_ = log4cplus::Logger::getRoot();
     log4cplus::Logger logger_ = log4cplus::Logger::getInstance("zorv");
     log4cplus::SharedAppenderPtr console_;
     std::atomic<log4cplus::LogLevel> consoleLevel_{

@@ -59,9 +59,9 @@ private:
     }
 
     std::vector<std::string> const& texts_;
-    std::vector<std::string> const tokens_{"null",  "true", "-1",   "0",    "255",         "256",        "4294967296",
-                                           "1e999", "0.5",  "[]",   "{}",   "[null]",      "[[],[]]",    "\"\"",
-                                           "\"x\"", "|",    "\\u0", "\xc3", "\"invalid\"", "[[{},null]]"};
+    std::vector<std::string> const tokens_{
+        "null",   "true",    "-1",   "0",     "255", "256",  "4294967296", "1e999",       "0.5",         "[]", "{}",
+        "[null]", "[[],[]]", "\"\"", "\"x\"", "|",   "\\u0", "\xc3",       "\"invalid\"", "[[{},null]]", " ",  "\n\t"};
     std::mt19937 random_;
 };
 

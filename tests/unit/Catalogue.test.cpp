@@ -264,7 +264,9 @@ TYPED_TEST(CatalogueMessage, HasTheMembersOfItsDescriptor) {
 
 TYPED_TEST(CatalogueMessage, HasTheDefaultsOfItsDescriptor) {
     auto const json = toJson(*this->blank());
-    for (auto const& member : TypeParam::describe().members) {
+    auto const members = TypeParam::describe().members;
+    ASSERT_EQ(members.size(), memberKeys(this->sampleJson()).size());
+    for (auto const& member : members) {
         EXPECT_EQ(toText(json[member.key]), toText(toJson(member.defaultJson))) << member.key;
     }
 }
@@ -295,8 +297,12 @@ TYPED_TEST(CatalogueMessage, KeepsTheDefaultOfAMemberWhoseKeyIsAbsent) {
 }
 
 TYPED_TEST(CatalogueMessage, RefusesAMemberOfTheWrongType) {
-    for (auto const& member : TypeParam::describe().members) {
-        for (auto const& bad : badValues(member)) {
+    auto const members = TypeParam::describe().members;
+    ASSERT_EQ(members.size(), memberKeys(this->sampleJson()).size());
+    for (auto const& member : members) {
+        auto const badOnes = badValues(member);
+        ASSERT_FALSE(badOnes.empty()) << member.key;
+        for (auto const& bad : badOnes) {
             auto json = this->sampleJson();
             json[member.key] = bad.value;
             EXPECT_EQ(errorOfReading(toText(json)), bad.error) << member.key << ": " << toText(bad.value);

@@ -3,6 +3,8 @@
 
 #include "zwave/libquillet/Confirmable.h"
 
+#include "platform/libtransport/readMessage.h"
+#include "platform/libtransport/throwInvalidEnum.h"
 #include "platform/libzorvshared/ZwaveAddress.h"
 #include "tests/support/errorOf.h"
 #include "tests/support/golden.h"
@@ -174,6 +176,36 @@ TEST(Members, AVectorThatIsNotAnArrayIsASyntaxErrorThatNamesTheType) {
     EXPECT_EQ(errorOfSample(R"("texts_":1.5)"), "SyntaxError: expected array, got real");
     EXPECT_EQ(errorOfSample(R"("texts_":true)"), "SyntaxError: expected array, got boolean");
     EXPECT_EQ(errorOfSample(R"("rows_":[["a"],"b"])"), "SyntaxError: expected array, got string");
+}
+
+TEST(Members, TheErrorOfAVectorKnowsItsPlaceWhichItsTextDoesNotName) {
+    auto const placeIn = [](std::string const& members) {
+        try {
+            readSample(members);
+        } catch (SyntaxError const& error) { return error.place(); }
+        return std::string("no error");
+    };
+    EXPECT_EQ(placeIn(R"("texts_":"a")"), "texts_");
+    EXPECT_EQ(placeIn(R"("rows_":[["a"],"b"])"), "rows_[1]");
+    EXPECT_EQ(SyntaxError("made by itself").place(), "");
+}
+
+TEST(Members, TheComplaintAboutALineNamesThePlaceOfABadVector) {
+    EXPECT_EQ(errorOf([] { readMessage(sampleText(R"("rows_":[["a"],"b"])")); }),
+              "BadMessageError: rows_[1]: zorv::SyntaxError: expected array, got string");
+    EXPECT_EQ(errorOf([] { readMessage(sampleText(R"("texts_":[1])")); }),
+              "BadMessageError: texts_[0]: expected string, got int");
+}
+
+TEST(Members, TheErrorOfAnEnumerationNamesItsPathAndKeepsItsEnumeration) {
+    try {
+        readSample(R"("pings_":[null,{"__name__":"zorv::PingMsg","__bases__":[{"__name__":"zorv::Confirmable",)"
+                   R"("__bases__":[{"__name__":"zorv::TConfirmable","result_":"perhaps"}]}]}])");
+        FAIL() << "it was read";
+    } catch (InvalidEnumError const& error) {
+        EXPECT_STREQ(error.what(), "pings_[1].result_: invalid ZResult text \"perhaps\"");
+        EXPECT_EQ(error.enumName(), "ZResult");
+    }
 }
 
 TEST(Members, ABadElementIsNamedByItsIndex) {

@@ -15,7 +15,7 @@ struct Confirmable::Wire {
 template class MessageOf<Confirmable, TConfirmable>;
 
 boost::shared_ptr<Confirmable> Confirmable::makeResponse(ZResult::Enum result) const {
-    auto response = boost::dynamic_pointer_cast<Confirmable>(clone());
+    auto response = boost::static_pointer_cast<Confirmable>(clone()); // from this class on, every copy is one
     response->setResponse(*this);
     response->result(result);
     return response;

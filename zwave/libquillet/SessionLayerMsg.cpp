@@ -38,4 +38,11 @@ boost::shared_ptr<SessionLayerMsg> SessionLayerMsg::create(boost::shared_ptr<Ses
     return respondWithCopy(request, result);
 }
 
+boost::shared_ptr<SessionLayerMsg> SessionLayerMsg::create(boost::shared_ptr<SessionLayerMsg> const& request,
+                                                           ZResult::Enum result, SessionLayerStatus::Enum status) {
+    auto response = create(request, result);
+    response->status_ = status;
+    return response;
+}
+
 } // namespace zorv

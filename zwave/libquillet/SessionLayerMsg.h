@@ -54,6 +54,9 @@ public:
 
     static boost::shared_ptr<SessionLayerMsg> create(boost::shared_ptr<SessionLayerMsg> const& request,
                                                      ZResult::Enum result);
+    /// The answer with the state filled in.
+    static boost::shared_ptr<SessionLayerMsg> create(boost::shared_ptr<SessionLayerMsg> const& request,
+                                                     ZResult::Enum result, SessionLayerStatus::Enum status);
 
     SessionLayerOp::Enum op() const noexcept { return op_; }
     SessionLayerStatus::Enum status() const noexcept { return status_; }

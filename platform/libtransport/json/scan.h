@@ -38,16 +38,15 @@ struct WordBlock {
     Bits notPlain() const noexcept { return (word_ & highBits) | below(word_, ' ') | equalTo('"') | equalTo('\\'); }
     Bits quotesAndEscapes() const noexcept { return equalTo('"') | equalTo('\\'); }
 
-    /// The first character whose bit is set; where bytes come the other way round, one that is not behind it.
-    static std::size_t firstOf(Bits bits) noexcept {
+    /// The first character whose bit is set; where bytes come the other way round, one that is not behind it, since a
+    /// borrow may have marked characters before it.
 #if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-        return static_cast<std::size_t>(__builtin_ctzll(bits)) / 8;
+    static constexpr bool isExact = true;
+    static std::size_t firstOf(Bits bits) noexcept { return static_cast<std::size_t>(__builtin_ctzll(bits)) / 8; }
 #else
-        // A borrow may have marked characters before it.
-        static_cast<void>(bits);
-        return 0;
+    static constexpr bool isExact = false;
+    static std::size_t firstOf(Bits) noexcept { return 0; }
 #endif
-    }
 
 private:
     static constexpr std::uint64_t eachByte = 0x0101010101010101U;
@@ -76,6 +75,7 @@ struct SseBlock {
     }
     Bits quotesAndEscapes() const noexcept { return bitsOf(_mm_or_si128(equalTo('"'), equalTo('\\'))); }
 
+    static constexpr bool isExact = true;
     static std::size_t firstOf(Bits bits) noexcept { return static_cast<std::size_t>(__builtin_ctz(bits)); }
 
 private:
@@ -96,6 +96,7 @@ template <class Block = scan::Block> char const* skipPlain(char const* at, char 
         auto const bits = Block(at).notPlain();
         if (bits != 0) {
             at += Block::firstOf(bits);
+            if constexpr (Block::isExact) { return at; }
             break;
         }
     }
@@ -109,6 +110,7 @@ template <class Block = scan::Block> char const* findQuoteOrEscape(char const* a
         auto const bits = Block(at).quotesAndEscapes();
         if (bits != 0) {
             at += Block::firstOf(bits);
+            if constexpr (Block::isExact) { return at; }
             break;
         }
     }

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <istream>
 #include <ostream>
@@ -32,15 +34,19 @@ bool parseHex(std::string_view text, OpenDigits digits, unsigned int& number) {
 }
 
 /// The same for a string and for a view of one, so that a text is found without a copy of it. The ends of identifiers
-/// differ more than their middles, and the tables are small and no peer's: a few characters are enough.
+/// differ more than their middles, and the tables are small and no peer's: the first and last characters are enough.
 struct TextHash {
     std::size_t operator()(std::string_view text) const noexcept {
-        auto hash = text.size();
-        for (std::size_t i = 0; i < text.size() && i < 4; ++i) {
-            hash = (hash * 31 + static_cast<unsigned char>(text[i])) * 31 +
-                   static_cast<unsigned char>(text[text.size() - 1 - i]);
+        std::uint64_t first = 0;
+        std::uint64_t last = 0;
+        if (text.size() >= sizeof first) {
+            std::memcpy(&first, text.data(), sizeof first);
+            std::memcpy(&last, text.data() + text.size() - sizeof last, sizeof last);
+        } else {
+            for (auto const c : text) { first = first << 8U | static_cast<unsigned char>(c); }
         }
-        return hash;
+        auto const mixed = (first ^ last * 0x9E3779B97F4A7C15U ^ text.size()) * 0xBF58476D1CE4E5B9U;
+        return static_cast<std::size_t>(mixed >> 32U);
     }
 };
 

@@ -28,7 +28,7 @@ public:
     static Serializable* serialFactory(Serializer& s, Serializable* target);
 
     static char const* serialName() noexcept;
-    static TypeDescriptor describe();
+    [[gnu::cold]] static TypeDescriptor describe();
 };
 
 } // namespace zorv

@@ -122,7 +122,7 @@ void extractFrame(Serializer& s, Self& self, Members const& members, Reader read
     extractRecord(s, self, members, read);
 }
 
-// ---- descriptors
+// ---- descriptors: made for documents and command lines, not for messages on their way, and therefore built for size
 
 template <class T> struct Type {};
 
@@ -133,7 +133,7 @@ inline TypeDescriptor describeType(Type<TimeStamp>) { return {TypeDescriptor::Ki
 inline TypeDescriptor describeType(Type<boost::uuids::uuid>) { return {TypeDescriptor::Kind::uuid, "UUID"}; }
 inline TypeDescriptor describeType(Type<TcpEndpointValue>) { return {TypeDescriptor::Kind::endpoint, "TCP endpoint"}; }
 
-template <class Integer> TypeDescriptor describeInteger(char const* name) {
+template <class Integer> [[gnu::cold]] TypeDescriptor describeInteger(char const* name) {
     using Limits = std::numeric_limits<Integer>;
     return {TypeDescriptor::Kind::integer, name, static_cast<double>(Limits::min()),
             static_cast<double>(Limits::max())};
@@ -146,17 +146,17 @@ inline TypeDescriptor describeType(Type<unsigned char>) { return describeInteger
 
 template <class T> TypeDescriptor describeType(Type<T>);
 
-template <class T> TypeDescriptor describeType(Type<boost::shared_ptr<T>>) {
+template <class T> [[gnu::cold]] TypeDescriptor describeType(Type<boost::shared_ptr<T>>) {
     return {TypeDescriptor::Kind::reference, T::serialName()};
 }
 
-template <class T> TypeDescriptor describeType(Type<std::vector<T>>) {
+template <class T> [[gnu::cold]] TypeDescriptor describeType(Type<std::vector<T>>) {
     TypeDescriptor type{TypeDescriptor::Kind::list, "list"};
     type.elements.push_back(describeType(Type<T>()));
     return type;
 }
 
-template <class Key, class Value> TypeDescriptor describePairs() {
+template <class Key, class Value> [[gnu::cold]] TypeDescriptor describePairs() {
     TypeDescriptor type{TypeDescriptor::Kind::pairs, "pairs"};
     type.elements.push_back(describeType(Type<Key>()));
     type.elements.push_back(describeType(Type<Value>()));
@@ -183,7 +183,7 @@ template <class T> TypeDescriptor describeType(Type<T>) {
 
 /// Describes the members of a class; their defaults are those of `blank`.
 template <class Self, class Members>
-std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& members) {
+[[gnu::cold]] std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& members) {
     std::vector<MemberDescriptor> descriptors;
     auto const add = [&](auto const& m) {
         using T = std::decay_t<decltype(blank.*m.pointer)>;
@@ -197,7 +197,7 @@ std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& 
 
 /// Describes an object that insertRecord writes.
 template <class Self, class Members>
-TypeDescriptor describeRecord(std::string const& name, Self const& blank, Members const& members) {
+[[gnu::cold]] TypeDescriptor describeRecord(std::string const& name, Self const& blank, Members const& members) {
     TypeDescriptor type{TypeDescriptor::Kind::record, name};
     type.members = describeMembers(blank, members);
     return type;
@@ -205,7 +205,7 @@ TypeDescriptor describeRecord(std::string const& name, Self const& blank, Member
 
 /// Describes an object that insertFrame writes.
 template <class Base, class Self, class Members>
-TypeDescriptor describeFrame(std::string const& serialName, Self const& blank, Members const& members) {
+[[gnu::cold]] TypeDescriptor describeFrame(std::string const& serialName, Self const& blank, Members const& members) {
     TypeDescriptor type{TypeDescriptor::Kind::framed, serialName};
     if constexpr (!std::is_same_v<Base, NoBase>) { type.base = Base::serialName(); }
     type.members = describeMembers(blank, members);

@@ -22,7 +22,7 @@ public:
     /// Reads the record from the serializer's selection; members whose keys are absent keep what they hold.
     void serialExtract(Serializer& s) override;
 
-    static TypeDescriptor describe();
+    [[gnu::cold]] static TypeDescriptor describe();
 };
 
 } // namespace zorv

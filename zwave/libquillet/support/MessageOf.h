@@ -51,7 +51,7 @@ public:
     void print(std::ostream& os) const override;
 
     static char const* serialName() noexcept;
-    static TypeDescriptor describe();
+    [[gnu::cold]] static TypeDescriptor describe();
 
 private:
     Self const& self() const noexcept { return static_cast<Self const&>(*this); }
