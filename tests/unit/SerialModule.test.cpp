@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "tests/support/FaultyWire.h"
 #include "zwave/libserialapi/Module.h"
 
 #include <gtest/gtest.h>
@@ -169,32 +170,6 @@ TEST_F(SerialModule, LetsAHandlerCallAgain) {
 
 namespace {
 
-/// One direction of the line.
-struct Wire {
-    struct Piece {
-        TimePoint arrival;
-        Bytes bytes;
-    };
-    std::deque<Piece> pieces;
-    TimePoint free{}; ///< nothing overtakes on a serial line
-
-    /// At most one byte of a piece is spoilt: a checksum of one byte does not see every two.
-    void carry(Bytes bytes, TimePoint now, std::mt19937& random) {
-        if (bytes.empty()) { return; }
-        auto const at = static_cast<std::ptrdiff_t>(random() % bytes.size());
-        auto delay = Milliseconds(2);
-        switch (random() % 40) {
-        case 0: bytes.erase(bytes.begin() + at); break;
-        case 1: bytes[static_cast<std::size_t>(at)] ^= static_cast<Byte>(1U << (random() % 8)); break;
-        case 2: bytes.insert(bytes.begin() + at, bytes[static_cast<std::size_t>(at)]); break;
-        case 3: delay = Milliseconds(random() % 2500); break;
-        default: break;
-        }
-        free = std::max(free, now) + delay;
-        pieces.push_back({free, std::move(bytes)});
-    }
-};
-
 /// A module that answers at once, with an answer that only the right request has.
 class Conversation {
 public:
@@ -307,8 +282,8 @@ private:
     Module host_;
     SessionLayer module_{Side::module};
     TimePoint now_{};
-    Wire toModule_;
-    Wire toHost_;
+    FaultyWire toModule_;
+    FaultyWire toHost_;
     std::vector<Frame> sentByHost_;
     std::vector<Frame> sentByModule_;
     std::vector<int> ends_;

@@ -38,6 +38,14 @@ constexpr std::size_t hostQueue = 256;      ///< frames of the host that wait fo
 constexpr std::size_t moduleQueue = 16;     ///< frames of a module; what comes on top is lost
 constexpr std::size_t heldFrames = 32;      ///< frames of the module that came before the awaited response
 
+// ---- the loader of the 700 and 800 series
+constexpr Milliseconds loaderMenuTime{2000}; ///< from a key to the menu, or to the request for the image
+constexpr Milliseconds loaderAskTime{500};   ///< a request for the image that comes so late is another one
+constexpr Milliseconds loaderBlockTime{
+    10'000}; ///< from a block to its answer; the first one may have it erase its memory
+constexpr Milliseconds loaderVerdictTime{10'000}; ///< from the end of the image to the menu
+constexpr unsigned int loaderTries = 3;           ///< more, of a key, a block, or the end
+
 } // namespace limits
 
 } // namespace zorv::serialapi

@@ -25,20 +25,40 @@ bool isCalled(Byte function) {
     return known != nullptr && known->request && known->callback;
 }
 
+/// The callback id that a request names, by its table.
+std::optional<Byte> namedCallbackId(FunctionDescriptor const& function, Bytes const& parameters, NodeIdWidth width) {
+    auto const form = function.request ? function.request->dissect(parameters, width) : std::nullopt;
+    if (!form) { return std::nullopt; }
+    auto const& members = form->members;
+    auto const found = std::find_if(members.begin(), members.end(),
+                                    [](FieldValue const& member) { return member.name == "callbackId"; });
+    if (found == members.end() || found->number == 0) { return std::nullopt; }
+    return static_cast<Byte>(found->number);
+}
+
 } // namespace
 
 void Module::receive(Bytes const& bytes, TimePoint now) {
-    session_.receive(bytes, now);
+    if (upload_) {
+        upload_->loader.receive(bytes, now);
+    } else {
+        session_.receive(bytes, now);
+    }
     work(now);
 }
 
 void Module::tick(TimePoint now) {
-    session_.tick(now);
+    if (upload_) {
+        upload_->loader.tick(now);
+    } else {
+        session_.tick(now);
+    }
     work(now);
 }
 
 std::optional<TimePoint> Module::deadline() const noexcept {
-    auto deadline = session_.deadline();
+    if (closedUpload_ || (upload_ && upload_->loader.result())) { return TimePoint::min(); }
+    auto deadline = upload_ ? upload_->loader.deadline() : session_.deadline();
     for (auto const& call : calls_) {
         if (call.over) { return TimePoint::min(); }
         if (call.deadline && (!deadline || *call.deadline < *deadline)) { deadline = call.deadline; }
@@ -49,10 +69,26 @@ std::optional<TimePoint> Module::deadline() const noexcept {
 Module::CallNumber Module::open(Call call, Frame frame, bool awaitsResponse, TimePoint now) {
     if (++lastCall_ == 0) { ++lastCall_; }
     call.number = lastCall_;
-    call.exchange = session_.request(std::move(frame), awaitsResponse, now);
-    if (call.exchange == 0) { call.over = CallEnd::queueFull; }
+    if (!upload_) { call.exchange = session_.request(std::move(frame), awaitsResponse, now); }
+    if (call.exchange == 0) { call.over = upload_ ? CallEnd::closed : CallEnd::queueFull; }
     calls_.push_back(std::move(call));
     return lastCall_;
+}
+
+Module::CallNumber Module::callRaw(Byte function, Bytes parameters, RawHandlers handlers, TimePoint now) {
+    auto const* const known = findFunction(function);
+    auto const callbackId = known != nullptr ? namedCallbackId(*known, parameters, width_) : std::nullopt;
+    auto const hear = [function, tell = std::move(handlers.frame)](FrameType type) {
+        return [function, type, tell](Bytes const& heard) {
+            if (tell) { tell({type, function, heard}); }
+            return Step::goOn;
+        };
+    };
+    Call call{0, 0, function, callbackId, limits::callbackTime, {}, {}, std::move(handlers.end)};
+    call.response = hear(FrameType::response);
+    call.callback = hear(FrameType::request);
+    bool const awaitsResponse = known == nullptr || known->response.has_value();
+    return open(std::move(call), {FrameType::request, function, std::move(parameters)}, awaitsResponse, now);
 }
 
 /// An id that no open call has, and that was not used lately: a callback may be late.
@@ -85,10 +121,53 @@ void Module::reset() {
     for (auto& call : calls_) {
         if (!call.over) { call.over = CallEnd::closed; }
     }
+    lastWords_.clear();
+    if (upload_) { closedUpload_ = std::move(upload_->handlers.end); }
+    upload_.reset();
 }
+
+// ---- the loader
+
+void Module::load(Bytes image, LoadHandlers handlers, TimePoint now) {
+    reset();
+    upload_.emplace(Upload{Bootloader(std::move(image)), std::move(handlers)});
+    upload_->loader.start(now);
+}
+
+void Module::cancelLoad(TimePoint now) {
+    if (upload_) { upload_->loader.cancel(now); }
+}
+
+Bytes Module::takeOutput() {
+    auto output = std::exchange(lastWords_, {});
+    auto const more = upload_ ? upload_->loader.takeOutput() : session_.takeOutput();
+    output.insert(output.end(), more.begin(), more.end());
+    return output;
+}
+
+/// Tells how far it is. At its end the line is the session layer's again.
+void Module::watchUpload() {
+    if (closedUpload_) {
+        auto const end = *std::exchange(closedUpload_, std::nullopt);
+        if (end) { end({LoadEnd::closed}); }
+    }
+    if (!upload_) { return; }
+    auto const percent = upload_->loader.percent();
+    if (percent > upload_->percent) {
+        upload_->percent = percent;
+        if (upload_->handlers.progress) { upload_->handlers.progress(percent); }
+    }
+    if (!upload_->loader.result()) { return; }
+    auto over = *std::exchange(upload_, std::nullopt);
+    lastWords_ = over.loader.takeOutput();
+    if (over.handlers.end) { over.handlers.end(*over.loader.result()); }
+}
+
+// ---- what comes in
 
 void Module::work(TimePoint now) {
     do {
+        watchUpload();
         for (auto const& event : session_.takeEvents()) { handle(event, now); }
         endOverdue(now);
     } while (tellEnds());

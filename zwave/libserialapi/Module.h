@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Export.h"
+#include "zwave/libserialapi/Bootloader.h"
 #include "zwave/libserialapi/SessionLayer.h"
 #include "zwave/libserialapi/functions/FunctionList.h"
 
@@ -24,6 +25,12 @@ enum class CallEnd {
     queueFull,
     cancelled,
     closed ///< the module was reset, or the port lost
+};
+
+/// Who hears of an upload to the module's loader. Each may be empty; `end` is called once, after all else.
+struct LoadHandlers {
+    std::function<void(unsigned int percent)> progress = {};
+    std::function<void(LoadResult const&)> end = {};
 };
 
 namespace calls {
@@ -64,6 +71,12 @@ template <class F> struct CallHandlers {
     std::function<void(CallEnd)> end = {};
 };
 
+/// The same for a call whose parameters are bytes: `frame` hears the response and the callbacks.
+struct RawHandlers {
+    std::function<void(Frame const&)> frame = {};
+    std::function<void(CallEnd)> end = {};
+};
+
 /// A host's view of the module: functions are called, and answer with a response, with callbacks, or not at all.
 ///
 /// Like the session layer below it, it knows no port and no clock. Handlers are called from receive() and tick() only,
@@ -78,7 +91,7 @@ public:
     void start() { session_.start(); }
     void receive(Bytes const& bytes, TimePoint now);
     void tick(TimePoint now);
-    Bytes takeOutput() { return session_.takeOutput(); }
+    Bytes takeOutput();
     std::optional<TimePoint> deadline() const noexcept;
 
     /// Calls a function; one that calls back gets a callback id unless the request names one, and ends with the last
@@ -98,6 +111,19 @@ public:
         return begin<F>(request, std::move(handlers), std::nullopt, {}, now);
     }
 
+    /// Calls a function by its bytes. Callbacks are those of the id that the parameters hold by the function's table; none
+    /// where it has no table. Which of them is the last is not known, so the call waits for further ones.
+    CallNumber callRaw(Byte function, Bytes parameters, RawHandlers handlers, TimePoint now);
+
+    /// Gives an image to the module's loader, which it has been told to enter. Until that is over there are no functions:
+    /// calls end as closed.
+    void load(Bytes image, LoadHandlers handlers, TimePoint now);
+
+    /// Breaks the upload off where that does no harm; its end is told.
+    void cancelLoad(TimePoint now);
+
+    bool isLoading() const noexcept { return upload_.has_value(); }
+
     /// The callback id of an open call.
     std::optional<Byte> callbackId(CallNumber call) const noexcept;
 
@@ -105,7 +131,7 @@ public:
     /// is still sent.
     void cancel(CallNumber call);
 
-    /// Ends all calls as closed and forgets what was on the line.
+    /// Ends all calls, and an upload, as closed and forgets what was on the line.
     void reset();
 
     /// Has the module's frames told that belong to no call.
@@ -124,6 +150,12 @@ public:
 
 private:
     enum class Step { goOn, last, bad };
+
+    struct Upload {
+        Bootloader loader;
+        LoadHandlers handlers;
+        unsigned int percent = 0;
+    };
 
     struct Call {
         CallNumber number;
@@ -168,6 +200,7 @@ private:
     static void awaitCallback(Call& call, TimePoint now);
     void endOverdue(TimePoint now);
     bool tellEnds();
+    void watchUpload();
     Call* byExchange(std::uint32_t exchange) noexcept;
 
     SessionLayer session_;
@@ -176,6 +209,9 @@ private:
     CallNumber lastCall_ = 0;
     Byte lastCallbackId_ = 0;
     std::uint64_t strayCallbacks_ = 0;
+    std::optional<Upload> upload_;
+    std::optional<std::function<void(LoadResult const&)>> closedUpload_; ///< whose end is to be told
+    Bytes lastWords_;                                                    ///< to a loader that is done with
     FrameHandler unsolicited_;
     std::function<void()> resetNeeded_;
 };

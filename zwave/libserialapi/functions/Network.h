@@ -23,6 +23,7 @@ struct ModeCallback {
 namespace mode {
 
 constexpr Byte any = 0x01;
+constexpr Byte controllerOnly = 0x02; ///< what the change of the primary controller begins with
 constexpr Byte stop = 0x05;
 constexpr Byte stopFailed = 0x06;
 constexpr Byte smartStartInclude = 0x08;
