@@ -53,12 +53,14 @@ struct ControllerStage {
     using Bytes = serialapi::Bytes;
     using Byte = serialapi::Byte;
 
-    explicit ControllerStage(bool isBridge = false, bool interviews = false) : controller(diary, interviews) {
-        introduce(isBridge);
+    /// `function`, where it is given, is one more that the module knows.
+    explicit ControllerStage(bool isBridge = false, bool interviews = false, Byte function = 0)
+        : controller(diary, interviews) {
+        introduce(isBridge, function);
     }
 
     /// The answers to a start-up: node 1 is the module's own, 5 a switch, 8 a sensor that sleeps.
-    void introduce(bool isBridge) {
+    void introduce(bool isBridge, Byte function = 0) {
         module.answers<serialapi::GetVersion>({'Z', '-', 'W', 'a', 'v', 'e', ' ', '4', '.', '0', '5', 0, 1});
         serialapi::BitMask functions;
         functions.bytes.resize(32);
@@ -71,6 +73,7 @@ struct ControllerStage {
         } else {
             for (auto const id : {0x10, 0x29, 0x2A, 0x2B}) { functions.insert(static_cast<unsigned int>(id)); }
         }
+        if (function != 0) { functions.insert(function); }
         Bytes capabilities{1, 0, 0x02, 0x3F, 0, 1, 0, 2};
         capabilities.insert(capabilities.end(), functions.bytes.begin(), functions.bytes.end());
         module.answers<serialapi::GetCapabilities>(capabilities);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/ControllerStage.h"
+#include "zwave/libcontroller/jobs/ControllerShift.h"
 #include "zwave/libcontroller/jobs/Exclusion.h"
 #include "zwave/libcontroller/jobs/Inclusion.h"
 #include "zwave/libcontroller/jobs/Transmission.h"
@@ -276,6 +277,59 @@ TEST_F(ControllerMembership, GivesUpAnExclusionThatDoesNotFinishWithItsNode) {
     hears(remove, {1, 6, 0, 0});
     EXPECT_EQ(takeEnds(), Lines{"failed: the node was found, but not finished with"});
     EXPECT_NE(controller.network().nodes.find(5), nullptr);
+}
+
+TEST_F(ControllerMembership, EndsAsItWasToldToAtFirst) {
+    auto const accepted = submit(std::make_shared<Inclusion>(Milliseconds(1000)));
+    hears(add, {1, 1, 0, 0});
+    hears(add, {1, 2, 0, 0});
+    controller.cancel(accepted.job, now);
+    passes(Milliseconds(2000)); // its deadline is over, too
+    hasNodes({1, 5, 8, 9});
+    hears(add, {1, 3, 9, 3, 4, 0x10, 1});
+    hears(add, {1, 5, 9, 0});
+    hears(add, {1, 6, 9, 0});
+    EXPECT_EQ(takeEnds(), Lines{"cancelled"});
+}
+
+/// Its module knows how to hand the network over.
+struct ControllerOfPrimary : testing::Test, ControllerStage {
+    static constexpr Byte shift = 0x4D;
+    ControllerOfPrimary() : ControllerStage(false, false, shift) { open(); }
+};
+
+TEST_F(ControllerOfPrimary, MakesTheControllerThatComesThePrimaryOneAndIsReadAgain) {
+    auto const job = std::make_shared<ControllerShift>(Milliseconds(0));
+    submit(job);
+    EXPECT_EQ(module.takeHeard(), Lines{"4d 02 01"});
+    hears(shift, {1, 1, 0, 0});
+    hears(shift, {1, 2, 0, 0});
+    hasNodes({1, 5, 8, 9});
+    module.answers<serialapi::GetControllerCapabilities>({0x05}); // secondary now
+    hears(shift, {1, 4, 9, 3, 2, 0x02, 1});
+    hears(shift, {1, 5, 9, 0});
+    EXPECT_EQ(module.takeHeard(), Lines{"4d 05 01"});
+    hears(shift, {1, 6, 9, 0});
+    EXPECT_EQ(takeEnds(), Lines{"done"});
+    EXPECT_EQ(job->node(), 9);
+    EXPECT_EQ(controller.network().module.roles, 0x05);
+    EXPECT_NE(controller.network().nodes.find(9), nullptr);
+}
+
+TEST_F(ControllerOfPrimary, StopsAChangeThatIsCancelled) {
+    auto const submission = submit(std::make_shared<ControllerShift>(Milliseconds(0)));
+    hears(shift, {1, 1, 0, 0});
+    module.takeHeard();
+    controller.cancel(submission.job, now);
+    play();
+    EXPECT_EQ(module.takeHeard(), Lines{"4d 05 01"});
+    hears(shift, {1, 6, 0, 0});
+    EXPECT_EQ(module.takeHeard(), Lines{"4d 05 00"});
+    EXPECT_EQ(takeEnds(), Lines{"cancelled"});
+}
+
+TEST_F(ControllerMembership, RefusesAChangeThatTheModuleDoesNotKnow) {
+    EXPECT_EQ(submit(std::make_shared<ControllerShift>(Milliseconds(0))).reason, "the module does not know how");
 }
 
 } // namespace

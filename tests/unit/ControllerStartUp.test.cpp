@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <string>
 #include <vector>
 
@@ -88,6 +90,22 @@ TEST_F(ControllerStartUp, ForgetsWhatIsRememberedOfAnotherNetwork) {
     EXPECT_EQ(controller.network().nodes.find(5)->deviceStatus(), DeviceStatus::unknown);
 }
 
+TEST_F(ControllerStartUp, TellsOfANodeThatTheModuleHasLostAndForgetsIt) {
+    Device known(ZwaveAddress(0xC0FFEE01, 7), {});
+    known.commandClass(CommandClassType::switchBinary, CommandClassInfo(2, CommandClassAttribs::supported));
+    controller.remember(known);
+    controller.start(now);
+    play();
+    auto const lines = diary.take();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "removed c0ffee01:7"), 1);
+    hasNodes({1, 5, 7, 8});
+    controller.lost(now);
+    controller.start(now);
+    play();
+    ASSERT_NE(controller.network().nodes.find(7), nullptr);
+    EXPECT_TRUE(controller.network().nodes.find(7)->commandClasses().empty()); // another node by now
+}
+
 TEST_F(ControllerStartUp, ResetsAModuleThatDoesNotAnswerOnceAndAsksAgainAfterAPause) {
     module.isSilentOn<serialapi::GetVersion>();
     controller.start(now);
@@ -104,10 +122,29 @@ TEST_F(ControllerStartUp, ResetsAModuleThatDoesNotAnswerOnceAndAsksAgainAfterAPa
     EXPECT_EQ(controller.state(), ModuleState::ready);
 }
 
+TEST_F(ControllerStartUp, ResetsAModuleThatStaysSilentNoSecondTimeUnlessItHasAnsweredMeanwhile) {
+    module.isSilentOn<serialapi::GetVersion>();
+    controller.start(now);
+    play();
+    passes(Milliseconds(100'000));
+    auto heard = module.takeHeard();
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), "08"), 1);
+    EXPECT_GE(std::count(heard.begin(), heard.end(), "15"), 5);
+    introduce(false);
+    passes(Milliseconds(30'000));
+    ASSERT_EQ(controller.state(), ModuleState::ready);
+    module.takeHeard();
+    module.isSilentOn<serialapi::GetVersion>();
+    hears(0x0A, {3, 0, 1, 2, 1, 0});
+    passes(Milliseconds(100'000));
+    heard = module.takeHeard();
+    EXPECT_EQ(std::count(heard.begin(), heard.end(), "08"), 1);
+}
+
 TEST_F(ControllerStartUp, TakesAModuleThatAcknowledgesNothingForSilent) {
     module.hang();
     controller.start(now);
-    passes(Milliseconds(55'000));
+    passes(Milliseconds(45'000));
     EXPECT_EQ(diary.take(), (Lines{"module starting", "module silent", "module starting", "module silent"}));
 }
 

@@ -128,9 +128,11 @@ TEST_F(ControllerTransmission, OffersAFrameAgainThatTheModuleHasNoRoomFor) {
 
 TEST_F(ControllerTransmission, GivesUpAFrameThatTheModuleNeverHasRoomFor) {
     module.on<SendData>([](Bytes const&) { return refused(); });
-    submit(std::make_shared<Transmission>(order(5)));
+    int timesTaken = 0;
+    submit(std::make_shared<Transmission>(order(5), [&timesTaken] { ++timesTaken; }));
     passes(Milliseconds(5000));
     EXPECT_EQ(module.takeHeard().size(), 5U);
+    EXPECT_EQ(timesTaken, 0);
     EXPECT_EQ(takeEnds(), Lines{"failed: the module has refused it"});
 }
 
@@ -292,6 +294,15 @@ TEST_F(ControllerTransmissionByBridge, NamesTheSourceOfAFrameToSeveralNodes) {
     several.nodes = {5, 8};
     submit(std::make_shared<Transmission>(several));
     EXPECT_EQ(module.takeHeard(), Lines{"ab 01 02 05 08 03 25 01 ff 25 01"});
+}
+
+TEST_F(ControllerTransmission, FailsWithThePortAlsoWhileItWaits) {
+    module.on<SendData>([](Bytes const&) { return taken(); });
+    for (NodeId const node : {NodeId{5}, NodeId{5}, NodeId{8}}) { // 8 sleeps
+        submit(std::make_shared<Transmission>(order(node)));
+    }
+    controller.lost(now);
+    EXPECT_EQ(takeEnds(), (Lines{"failed: the port is lost", "failed: the port is lost", "failed: the port is lost"}));
 }
 
 } // namespace

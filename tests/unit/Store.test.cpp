@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 namespace zorv::controller {
@@ -42,6 +43,50 @@ void execute(std::string const& file, std::string const& sql) {
     sqlite3_close(handle);
 }
 
+/// Counts how often SQLite has a file's data brought to the disk, as long as it lives.
+class SyncCount {
+public:
+    SyncCount() : system_(sqlite3_vfs_find(nullptr)), counting_(*system_) {
+        original = system_;
+        count = 0;
+        counting_.zName = "counting";
+        counting_.xOpen = &open;
+        sqlite3_vfs_register(&counting_, 1);
+    }
+    ~SyncCount() {
+        sqlite3_vfs_unregister(&counting_);
+        sqlite3_vfs_register(system_, 1);
+    }
+    SyncCount(SyncCount const&) = delete;
+    SyncCount& operator=(SyncCount const&) = delete;
+
+    static int ofLog() { return count; }
+
+private:
+    static int open(sqlite3_vfs*, char const* name, sqlite3_file* file, int flags, int* outFlags) {
+        auto const result = original->xOpen(original, name, file, flags, outFlags);
+        if (result == SQLITE_OK && (flags & SQLITE_OPEN_WAL) != 0) {
+            methods = *file->pMethods;
+            originalSync = methods.xSync;
+            methods.xSync = &sync;
+            file->pMethods = &methods;
+        }
+        return result;
+    }
+    static int sync(sqlite3_file* file, int flags) {
+        ++count;
+        return originalSync(file, flags);
+    }
+
+    inline static sqlite3_vfs* original = nullptr;
+    inline static sqlite3_io_methods methods{};
+    inline static int (*originalSync)(sqlite3_file*, int) = nullptr;
+    inline static int count = 0;
+
+    sqlite3_vfs* system_;
+    sqlite3_vfs counting_;
+};
+
 struct StoreTest : testing::Test {
     TemporaryDirectory directory;
     std::string const file = directory.path("zwaved.db");
@@ -58,6 +103,22 @@ struct StoreTest : testing::Test {
         return "";
     }
 };
+
+TEST_F(StoreTest, HasEachCallOnTheDiskBeforeItReturns) {
+    SyncCount const syncs;
+    Store store(file);
+    for (unsigned char node = 1; node <= 3; ++node) {
+        auto const before = syncs.ofLog();
+        store.save(switchAt(node));
+        EXPECT_GT(syncs.ofLog(), before) << int{node}; // the write-ahead log, each time
+    }
+    auto const before = syncs.ofLog();
+    store.together([&store] {
+        store.remove(ZwaveAddress(0xC0FFEE01, 1));
+        store.remember("state", "ready");
+    });
+    EXPECT_GT(syncs.ofLog(), before);
+}
 
 TEST_F(StoreTest, GivesBackTheNodesThatWereSaved) {
     {
@@ -212,6 +273,26 @@ TEST_F(StoreTest, NamesTheFileThatItCannotOpen) {
     } catch (StoreError const& error) {
         EXPECT_EQ(std::string(error.what()).rfind(directory.path("no/such/folder") + ": cannot be used", 0), 0U);
     }
+}
+
+TEST_F(StoreTest, WritesTogetherAllOrNothing) {
+    Store store(file);
+    store.together([&store] {
+        store.save(switchAt(5));
+        store.log({"reset", "done", ""});
+        store.save(switchAt(6));
+    });
+    EXPECT_EQ(store.devices().size(), 2U);
+    EXPECT_THROW(store.together([&store] {
+        store.save(switchAt(7));
+        store.log({"reset", "failed", ""});
+        throw std::runtime_error("half way");
+    }),
+                 std::runtime_error);
+    EXPECT_EQ(store.devices().size(), 2U);
+    EXPECT_EQ(store.jobs(10).size(), 1U);
+    store.save(switchAt(7)); // the store goes on
+    EXPECT_EQ(store.devices().size(), 3U);
 }
 
 } // namespace

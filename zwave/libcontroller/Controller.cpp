@@ -60,13 +60,19 @@ template <class Work> void Controller::turn(TimePoint now, Work const& work) {
 }
 
 void Controller::start(TimePoint now) {
-    turn(now, [this] { startUp(false); });
+    turn(now, [this] {
+        wasReset_ = false;
+        startUp(false);
+    });
 }
 
 void Controller::lost(TimePoint now) {
     turn(now, [this] {
         for (auto& entry : entries_) {
-            if (entry.job->state() == JobState::running) { entry.job->end(JobState::failed, "the port is lost"); }
+            bool const isAsked = entry.job->lane() == Job::Lane::frames; // somebody waits for it
+            if (isAsked || entry.job->state() == JobState::running) {
+                entry.job->end(JobState::failed, "the port is lost");
+            }
         }
         module_.reset();
         sleepers_.clear();
@@ -125,6 +131,20 @@ bool Controller::cancel(JobNumber number, TimePoint now) {
         }
     });
     return isThere;
+}
+
+void Controller::windUp(TimePoint now) {
+    interviews_ = false;
+    turn(now, [this] {
+        for (auto& entry : entries_) {
+            if (entry.job->lane() != Job::Lane::module) { entry.job->cancel(); }
+        }
+    });
+}
+
+bool Controller::isIdle() const noexcept {
+    return std::all_of(entries_.begin(), entries_.end(),
+                       [](Entry const& entry) { return entry.job->lane() == Job::Lane::module; });
 }
 
 QueueSizes Controller::queues() const noexcept {
@@ -188,6 +208,11 @@ void Controller::submitPart(Job const& parent, std::shared_ptr<Job> part, std::f
         if (alive && !alive->isOver()) { end(); }
     };
     add(std::move(part), std::move(guarded), parent.number());
+}
+
+void Controller::readModule(Job const& parent, Restart restart, std::function<void(std::string const&)> end) {
+    auto const startUp = std::make_shared<StartUp>(restart);
+    submitPart(parent, startUp, [startUp, end = std::move(end)] { end(startUp->reason()); });
 }
 
 /// Works until nothing is left that can be done now.
@@ -261,27 +286,44 @@ Controller::Entry* Controller::nextFrame() {
 // ---- the module's life
 
 void Controller::startUp(bool softReset) {
+    wasReset_ = wasReset_ || softReset;
     nextStartUp_.reset();
     auto output = takeOutput(); // an acknowledgement may be in it
     module_.reset();
     output_ = std::move(output);
     module_.start();
     enter(ModuleState::starting);
-    auto job = std::make_shared<StartUp>(softReset, remembered_);
-    auto end = [this, softReset, job] { startUpEnded(job->state() == JobState::done, softReset); };
+    auto job = std::make_shared<StartUp>(softReset ? Restart::reset : Restart::none, remembered_);
+    auto end = [this, job] { startUpEnded(job->state() == JobState::done); };
     add(job, std::move(end), 0);
 }
 
-/// A module that does not answer gets one soft reset, and then a pause.
-void Controller::startUpEnded(bool isReady, bool softReset) {
+/// A module that does not answer gets one soft reset, and is then only asked, again and again.
+void Controller::startUpEnded(bool isReady) {
     if (state_ != ModuleState::starting) { return; } // the port was lost meanwhile
     if (isReady) {
+        wasReset_ = false;
+        forgetLostNodes();
         enter(ModuleState::ready);
         return interviewAll();
     }
-    if (!softReset) { return startUp(true); }
+    if (!wasReset_) { return startUp(true); }
     enter(ModuleState::silent);
     nextStartUp_ = now_ + limits::startUpPause;
+}
+
+/// What was remembered of this network is in the table now, or was of a node that the module does not have any more. A new
+/// node of that id is to be asked everything.
+void Controller::forgetLostNodes() {
+    for (auto remembered = remembered_.begin(); remembered != remembered_.end();) {
+        auto const& [address, device] = *remembered;
+        if (address.homeId() != network_.homeId) {
+            ++remembered;
+            continue;
+        }
+        if (network_.nodes.find(address.nodeId()) == nullptr) { observer_.nodeRemoved(device); }
+        remembered = remembered_.erase(remembered);
+    }
 }
 
 void Controller::enter(ModuleState state) {
@@ -291,8 +333,11 @@ void Controller::enter(ModuleState state) {
 }
 
 void Controller::resetModule(std::string const& reason) {
-    // A start-up that gets no answer looks after itself.
-    if (state_ == ModuleState::ready) { resetReason_ = reason; }
+    // Whoever asks a module that is about to start gets no answer, and looks after that.
+    bool const isAsked = std::any_of(entries_.begin(), entries_.end(), [](Entry const& entry) {
+        return entry.job->state() == JobState::running && dynamic_cast<StartUp const*>(entry.job.get()) != nullptr;
+    });
+    if (state_ == ModuleState::ready && !isAsked) { resetReason_ = reason; }
 }
 
 /// What is under way fails with the module that did it, whether it has restarted or is to.

@@ -71,6 +71,18 @@ public:
     /// Ends a job early. It is over, and its end told, once the module is out of its mode; false: there is no such job.
     bool cancel(JobNumber job, TimePoint now);
 
+    /// The same for all jobs; no node is asked by itself any more.
+    void windUp(TimePoint now);
+
+    /// Whether no job is under way or waits, apart from those that ask the module who it is.
+    bool isIdle() const noexcept;
+
+    /// Has every data frame of the link told that is sent or was received well.
+    void trace(serialapi::SessionLayer::Trace trace) { module_.session().trace(std::move(trace)); }
+
+    /// Changes what is kept of a node; nothing happens where there is no such node.
+    template <class Change> void changeNode(NodeId node, Change const& change) { network_.nodes.change(node, change); }
+
     ModuleState state() const noexcept { return state_; }
     Network const& network() const noexcept { return network_; }
     serialapi::Module const& link() const noexcept { return module_; }
@@ -93,6 +105,7 @@ private:
     Observer& observer() noexcept override { return observer_; }
     TimePoint now() const noexcept override { return now_; }
     void submitPart(Job const& parent, std::shared_ptr<Job> part, std::function<void()> end) override;
+    void readModule(Job const& parent, Restart restart, std::function<void(std::string const&)> end) override;
     void resetModule(std::string const& reason) override;
 
     template <class Work> void turn(TimePoint now, Work const& work);
@@ -106,7 +119,8 @@ private:
     Entry& add(std::shared_ptr<Job> job, std::function<void()> end, JobNumber parent);
 
     void startUp(bool softReset);
-    void startUpEnded(bool isReady, bool softReset);
+    void startUpEnded(bool isReady);
+    void forgetLostNodes();
     bool tellRestart();
     void enter(ModuleState state);
     void onUnsolicited(serialapi::Frame const& frame);
@@ -128,6 +142,7 @@ private:
     Bytes output_;    ///< of before the link was reset
     JobNumber lastJob_ = 0;
     std::optional<TimePoint> nextStartUp_;
+    bool wasReset_ = false;     ///< since it answered, or its port was opened
     std::string resetReason_;   ///< of a reset that is due at the end of this turn
     bool hasRestarted_ = false; ///< the module, within this turn
     bool isInTurn_ = false;

@@ -71,13 +71,26 @@ std::optional<TimePoint> Job::deadline() const noexcept {
 
 bool Job::moduleRestarted() {
     if (isOver() || state_ == JobState::accepted) { return false; }
-    if (restarted()) { return true; }
+    if (isReadingModule_ || restarted()) { return true; }
     if (isStopping()) {
         endStopped(); // a restart ends every mode as well
     } else {
         fail("the module has restarted");
     }
     return false;
+}
+
+void Job::readModule(Restart restart, std::function<void()> then) {
+    isReadingModule_ = true;
+    noStep();
+    host().readModule(*this, restart, [this, then = std::move(then)](std::string const& problem) {
+        isReadingModule_ = false;
+        if (!problem.empty()) {
+            host().resetModule("it cannot be read again");
+            return fail("the module cannot be read again: " + problem);
+        }
+        then();
+    });
 }
 
 std::function<void(serialapi::CallEnd)> Job::orFail() {

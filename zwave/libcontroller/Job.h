@@ -23,6 +23,15 @@ enum class JobState { accepted, running, done, failed, timedOut, cancelled };
 
 ZORV_EXPORT char const* toString(JobState state) noexcept;
 
+/// What comes before a module is asked who it is.
+enum class Restart {
+    none,
+    ofItself, ///< the module restarts now, without being told to
+    reset,    ///< it is told to restart
+    reload,   ///< it is told to restart, and takes up other firmware before it does
+    byLoader  ///< its loader starts it now, and takes up other firmware before it does
+};
+
 /// Why a call did not end as it should: "the module has refused it".
 ZORV_EXPORT char const* complaint(serialapi::CallEnd end) noexcept;
 
@@ -38,6 +47,9 @@ public:
 
     /// Has another job done as a part of `parent`, whatever else waits.
     virtual void submitPart(Job const& parent, std::shared_ptr<Job> part, std::function<void()> end) = 0;
+
+    /// Has the module asked anew who it is, as a part of `parent`; `end` hears what went wrong, or an empty text.
+    virtual void readModule(Job const& parent, Restart restart, std::function<void(std::string const&)> end) = 0;
 
     /// Resets the module: the way out of a mode that cannot be left otherwise. What is under way fails.
     virtual void resetModule(std::string const& reason) = 0;
@@ -140,10 +152,30 @@ protected:
         calls_.push_back(host_->module().tell<F>(request, heard<F>(std::move(handlers)), now()));
     }
 
+    /// The same by bytes.
+    void callRaw(Byte function, Bytes parameters, serialapi::RawHandlers handlers) {
+        serialapi::RawHandlers guarded;
+        guarded.frame = heardOne(std::move(handlers.frame));
+        guarded.end = heardOne(std::move(handlers.end));
+        calls_.push_back(host_->module().callRaw(function, std::move(parameters), std::move(guarded), now()));
+    }
+
+    /// Gives an image to the module's loader, which it has been told to enter.
+    void load(Bytes image, serialapi::LoadHandlers handlers) {
+        serialapi::LoadHandlers guarded;
+        if (handlers.progress) { guarded.progress = heardOne(std::move(handlers.progress)); }
+        guarded.end = heardOne(std::move(handlers.end));
+        host_->module().load(std::move(image), std::move(guarded), now());
+    }
+
     /// stepTimedOut() is called then, unless another step or the end comes before.
     void step(Milliseconds time) { stepDeadline_ = now() + time; }
     void noStep() noexcept { stepDeadline_.reset(); }
     void noDeadline() noexcept { deadline_.reset(); }
+
+    /// Has the module asked anew who it is. Then goes on with `then`, or fails; restarts of the module are a part of it.
+    void readModule(Restart restart, std::function<void()> then);
+    bool isReadingModule() const noexcept { return isReadingModule_; }
 
     /// For a call without which the job cannot go on.
     std::function<void(serialapi::CallEnd)> orFail();
@@ -152,6 +184,7 @@ protected:
     void fail(std::string reason) { end(JobState::failed, std::move(reason)); }
     void stopFor(JobState why, std::string reason);
     void endStopped() { end(stopState_, stopReason_); }
+    void endDone() { isStopping() ? endStopped() : done(); } ///< for what went on although it was told to stop
     bool isStopping() const noexcept { return stopState_ != JobState::running; }
     JobState stopState() const noexcept { return stopState_; }
 
@@ -178,6 +211,7 @@ private:
     JobState stopState_ = JobState::running; ///< how it is to end, once it was told to
     std::string stopReason_;
     std::string reason_;
+    bool isReadingModule_ = false;
     std::optional<TimePoint> deadline_;
     std::optional<TimePoint> stepDeadline_;
     std::vector<serialapi::Module::CallNumber> calls_;

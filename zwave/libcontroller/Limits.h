@@ -18,8 +18,8 @@ namespace limits {
 // ---- jobs
 constexpr Milliseconds defaultJobTime{180'000};
 constexpr Milliseconds longestJobTime{3'600'000};
-constexpr std::size_t waitingFrames = 256; ///< to nodes, on top of the one under way
-constexpr std::size_t sleepersFrames = 64; ///< of them, to nodes that sleep
+constexpr std::size_t waitingFrames = 1024; ///< to nodes, on top of the one under way
+constexpr std::size_t sleepersFrames = 64;  ///< of them, to nodes that sleep
 constexpr std::size_t waitingInterviews = 256;
 
 /// A job's time as asked for: 0 and less stand for the default.
@@ -29,6 +29,7 @@ constexpr Milliseconds jobTime(Milliseconds asked) {
 
 // ---- the module
 constexpr Milliseconds restartTime{1500};    ///< after a soft reset, where the module does not say that it has started
+constexpr Milliseconds loaderTime{30'000};   ///< for which it may be silent while it takes up other firmware
 constexpr Milliseconds startUpPause{10'000}; ///< before a module that does not answer is asked again
 constexpr Milliseconds stopTime{5000};       ///< a mode's last callback after its stop
 

@@ -29,6 +29,15 @@ struct ModuleInformation {
     /// To be asked before a function is called that not every module has.
     template <class Function> bool knows() const { return capabilities.functions.contains(Function::id); }
 
+    /// Whether it takes firmware by its functions, as the 500 series does.
+    bool takesFirmware() const { return knows<serialapi::FirmwareUpdateNvm>(); }
+
+    /// Whether it has a loader that takes firmware; on older modules the same function is another one.
+    bool hasLoader() const {
+        constexpr Byte firstWithLoader = 7;
+        return chipType >= firstWithLoader && knows<serialapi::EnterBootloader>();
+    }
+
     /// Whether frames go out and come in by the functions of bridge libraries.
     bool isBridge() const { return knows<serialapi::SendDataBridge>(); }
 };

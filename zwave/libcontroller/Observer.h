@@ -40,6 +40,9 @@ public:
     virtual ~Observer() = default;
 
     virtual void moduleStateChanged(ModuleState /*state*/) {}
+
+    /// The module's loader has the line, and so much of an image; or it has given the line back.
+    virtual void loaderChanged(bool /*isRunning*/, unsigned int /*percent*/) {}
     virtual void nodeAdded(Device const& /*device*/) {}
     virtual void nodeChanged(Device const& /*device*/) {}
     virtual void nodeRemoved(Device const& /*device*/) {}

@@ -162,6 +162,21 @@ Store::Store(std::string const& file) : database_(std::make_unique<Database>(fil
 
 Store::~Store() = default;
 
+void Store::together(std::function<void()> const& work) {
+    database_->execute("SAVEPOINT together"); // may stand within another one
+    try {
+        work();
+        database_->execute("RELEASE together");
+    } catch (...) {
+        try {
+            database_->execute("ROLLBACK TO together; RELEASE together");
+        } catch (StoreError const&) {
+            // What failed first is what is told; SQLite rolls back by itself where it cannot be told to.
+        }
+        throw;
+    }
+}
+
 // ---- nodes
 
 void Store::save(Device const& device) {
@@ -225,8 +240,7 @@ std::optional<std::string> Store::recall(std::string const& name) const {
 void Store::log(JobRecord const& job) {
     using std::chrono::duration_cast;
     using std::chrono::milliseconds;
-    database_->execute("BEGIN IMMEDIATE");
-    try {
+    together([&] {
         database_->statement("INSERT INTO jobs (name, state, reason, ended_ms) VALUES (?, ?, ?, ?)")
             .bind(job.name)
             .bind(job.state)
@@ -236,15 +250,7 @@ void Store::log(JobRecord const& job) {
         database_->statement("DELETE FROM jobs WHERE number <= (SELECT max(number) FROM jobs) - ?")
             .bind(std::int64_t{loggedJobs})
             .next();
-        database_->execute("COMMIT");
-    } catch (StoreError const&) {
-        try {
-            database_->execute("ROLLBACK");
-        } catch (StoreError const&) {
-            // What failed first is what is told; SQLite rolls back by itself where it cannot be told to.
-        }
-        throw;
-    }
+    });
 }
 
 std::vector<JobRecord> Store::jobs(std::size_t most) const {

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -59,6 +60,9 @@ public:
     /// Remembers a state by its name.
     void remember(std::string const& name, std::string const& value);
     std::optional<std::string> recall(std::string const& name) const;
+
+    /// Has all that `work` writes written, or, where it throws, nothing of it.
+    void together(std::function<void()> const& work);
 
     /// Adds to the log of jobs, which keeps the latest 1,000.
     void log(JobRecord const& job);

@@ -17,14 +17,10 @@ public:
 protected:
     void run() override;
     void stop() override {}
-    void stepTimedOut() override { readAgain(); }
     bool restarted() override;
 
 private:
-    void readAgain();
-    void onRead(Job const& startUp);
-
-    bool isReading_ = false;
+    void readAgain(Restart restart);
 };
 
 } // namespace zorv::controller

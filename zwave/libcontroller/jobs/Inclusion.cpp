@@ -6,12 +6,12 @@
 namespace zorv::controller {
 
 /// The new node looks for its neighbours among all that are there.
-Milliseconds Inclusion::busyTime() const {
+Milliseconds inclusionTime(Network const& network) {
     constexpr Milliseconds base{76'000};
     constexpr Milliseconds forEachListening{217};
     constexpr Milliseconds forEachFrequentlyListening{3517};
     auto time = base;
-    for (auto const& [node, device] : network().nodes.devices()) {
+    for (auto const& [node, device] : network.nodes.devices()) {
         if (device.isListening()) { time += forEachListening; }
         if (device.isFrequentlyListening()) { time += forEachFrequentlyListening; }
     }

@@ -5,6 +5,9 @@
 
 namespace zorv::controller {
 
+/// How long the module may be busy with a node that comes in.
+ZORV_EXPORT Milliseconds inclusionTime(Network const& network);
+
 /// Waits for a node that wants to come into the network, and takes it in.
 class ZORV_EXPORT Inclusion : public MembershipJob<serialapi::AddNodeToNetwork> {
 public:
@@ -14,7 +17,7 @@ public:
     char const* name() const noexcept override { return "inclusion"; }
 
 protected:
-    Milliseconds busyTime() const override;
+    Milliseconds busyTime() const override { return inclusionTime(network()); }
     void conclude() override;
 };
 

@@ -30,6 +30,18 @@ unsigned short word(Bytes const& bytes, std::size_t at) {
     return static_cast<unsigned short>(bytes.at(at) << 8U | bytes.at(at + 1));
 }
 
+/// Leaves what the module says of the node, and what is known of its state.
+void forget(Device& device) {
+    auto info = device.deviceInfo();
+    info.manufacturer({});
+    Device blank(device.address(), info);
+    blank.deviceNetworkStatus(device.deviceNetworkStatus());
+    blank.deviceLights(device.deviceLights());
+    blank.securityStatus(device.securityStatus());
+    blank.wakeStatus(device.wakeStatus());
+    device = blank;
+}
+
 } // namespace
 
 std::string Interview::objection(Network const& network) const {
@@ -45,7 +57,10 @@ NodeId Interview::awaits(Network const& network) const {
 
 void Interview::run() {
     if (device() == nullptr) { return fail("the node has left"); }
-    network().nodes.change(node_, [](Device& device) { device.deviceStatus(DeviceStatus::configuring); });
+    network().nodes.change(node_, [this](Device& device) {
+        if (anew_) { forget(device); }
+        device.deviceStatus(DeviceStatus::configuring);
+    });
     report(InterviewStage::start);
     next();
 }

@@ -14,7 +14,8 @@ namespace zorv::controller {
 /// stood. A node that cannot be reached ends it; a question that the node does not answer is passed over and counted.
 class ZORV_EXPORT Interview : public Job {
 public:
-    explicit Interview(NodeId node) : Job(limits::longestJobTime), node_(node) {}
+    /// With `anew` the node is asked everything again, whatever its record holds.
+    explicit Interview(NodeId node, bool anew = false) : Job(limits::longestJobTime), node_(node), anew_(anew) {}
 
     char const* name() const noexcept override { return "interview"; }
     Lane lane() const noexcept override { return Lane::background; }
@@ -57,6 +58,7 @@ private:
     void finish();
 
     NodeId node_;
+    bool anew_;
     Question question_;
     unsigned int attempts_ = 0;
     int errors_ = 0;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libcontroller/jobs/LearnMode.h"
 
-#include "zwave/libcontroller/jobs/StartUp.h"
-
 namespace zorv::controller {
 
 using serialapi::CallEnd;
@@ -64,18 +62,11 @@ void LearnModeJob::onLeft(CallEnd end) {
         host().resetModule("it does not leave learn mode");
         if (problem_.empty()) { problem_ = complaint(end); }
     }
-    if (hasLearnt_) { return readAgain(); }
+    if (hasLearnt_) {
+        return readModule(Restart::none, [this] { endDone(); });
+    }
     if (isStopping()) { return endStopped(); }
     fail(problem_);
-}
-
-void LearnModeJob::readAgain() {
-    auto const startUp = std::make_shared<StartUp>();
-    host().submitPart(*this, startUp, [this, startUp] {
-        if (isStopping()) { return endStopped(); }
-        if (startUp->state() != JobState::done) { return fail("the module cannot be read again"); }
-        done();
-    });
 }
 
 } // namespace zorv::controller

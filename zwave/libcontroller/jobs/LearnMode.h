@@ -28,7 +28,6 @@ private:
     void onCallback(serialapi::ModeCallback const& callback);
     void leave();
     void onLeft(serialapi::CallEnd end);
-    void readAgain();
 
     LearnMode::Enum mode_;
     std::function<void()> started_;

@@ -33,8 +33,7 @@ protected:
         handlers.callback = [this](serialapi::ModeCallback const& callback) { onCallback(callback); };
         handlers.end = [this](serialapi::CallEnd end) { onEnd(end); };
         namespace mode = serialapi::mode;
-        auto const asked = static_cast<Byte>(mode::any | mode::normalPower | (networkWide_ ? mode::networkWide : 0));
-        call_ = call<F>(request(asked, std::nullopt), std::move(handlers));
+        call_ = call<F>(request(startMode(), std::nullopt), std::move(handlers));
         step(readyTime);
     }
 
@@ -52,6 +51,12 @@ protected:
             if (isStopping()) { return endStopped(); }
             return fail("the module does not leave its mode");
         }
+    }
+
+    /// The mode that is asked for.
+    virtual Byte startMode() const {
+        namespace mode = serialapi::mode;
+        return static_cast<Byte>(mode::any | mode::normalPower | (networkWide_ ? mode::networkWide : 0));
     }
 
     /// How long the module may be busy with a node that it has found.

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libcontroller/jobs/NvmRestore.h"
 
-#include "zwave/libcontroller/jobs/StartUp.h"
-
 #include <algorithm>
 
 namespace zorv::controller {
@@ -33,28 +31,7 @@ void NvmRestore::onWritten() {
 
 /// The module takes up its new memory with a restart.
 void NvmRestore::onClosed() {
-    awaitsRestart_ = true;
-    tell<serialapi::SoftReset>({}, [this](serialapi::CallEnd end) {
-        if (end != serialapi::CallEnd::done) { return fail(complaint(end)); }
-        step(limits::restartTime);
-    });
-}
-
-bool NvmRestore::restarted() {
-    readAgain();
-    return isReading_;
-}
-
-void NvmRestore::readAgain() {
-    if (!awaitsRestart_) { return; }
-    awaitsRestart_ = false;
-    isReading_ = true;
-    noStep();
-    auto const startUp = std::make_shared<StartUp>();
-    host().submitPart(*this, startUp, [this, startUp] {
-        if (startUp->state() != JobState::done) { return fail("the module cannot be read again"); }
-        isStopping() ? endStopped() : done();
-    });
+    readModule(Restart::reset, [this] { endDone(); });
 }
 
 } // namespace zorv::controller

@@ -22,20 +22,17 @@ protected:
     void stop() override {
         if (!isWriting_) { close(); }
     }
-    void stepTimedOut() override { readAgain(); }
-    bool restarted() override;
     bool goesOn() const noexcept override { return isWriting_; }
+
+    void image(Bytes image) { image_ = std::move(image); }
 
 private:
     void writeNext();
-    void readAgain();
 
     Bytes image_;
     std::size_t written_ = 0;
     std::size_t writing_ = 0; ///< bytes that are under way
     bool isWriting_ = false;
-    bool awaitsRestart_ = false;
-    bool isReading_ = false; ///< the module, after its restart
 };
 
 } // namespace zorv::controller

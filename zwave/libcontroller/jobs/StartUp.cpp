@@ -33,7 +33,7 @@ bool isController(Byte libraryType) {
 
 } // namespace
 
-std::vector<StartUp::Step> const StartUp::steps{&StartUp::reset,
+std::vector<StartUp::Step> const StartUp::steps{&StartUp::awaitStart,
                                                 &StartUp::askVersion,
                                                 &StartUp::askCapabilities,
                                                 &StartUp::leaveModes,
@@ -75,12 +75,22 @@ bool StartUp::restarted() {
     return true;
 }
 
+/// What was asked before a restart is of no use after it: its end would go on beside what is asked now.
 template <class F>
 void StartUp::ask(typename F::Request request, std::function<void(typename F::Response const&)> take) {
+    auto const isStale = [this, restarts = restarts_] { return restarts != restarts_; };
     CallHandlers<F> handlers;
-    handlers.response = std::move(take);
-    handlers.end = [this](CallEnd end) {
+    handlers.response = [isStale, take = std::move(take)](typename F::Response const& response) {
+        if (take && !isStale()) { take(response); }
+    };
+    handlers.end = [this, isStale](CallEnd end) {
+        if (isStale()) { return; }
         if (end == CallEnd::done) { return next(); }
+        bool const isSilent = end == CallEnd::notAcknowledged || end == CallEnd::noResponse;
+        if (isSilent && now() < patience_) {
+            --position_;
+            return next();
+        }
         fail(std::string(F::name) + ": " + complaint(end));
     };
     call<F>(std::move(request), std::move(handlers));
@@ -94,9 +104,11 @@ void StartUp::askIfKnown(typename F::Request request, std::function<void(typenam
 
 // ---- the steps
 
-void StartUp::reset() {
-    if (!softReset_) { return next(); }
+void StartUp::awaitStart() {
+    if (restart_ == Restart::none) { return next(); }
     awaitsStart_ = true;
+    if (restart_ == Restart::reload || restart_ == Restart::byLoader) { patience_ = now() + limits::loaderTime; }
+    if (restart_ == Restart::ofItself || restart_ == Restart::byLoader) { return step(limits::restartTime); }
     tell<serialapi::SoftReset>({}, [this](CallEnd end) {
         if (end != CallEnd::done) { return fail(complaint(end)); }
         step(limits::restartTime);
@@ -121,6 +133,9 @@ void StartUp::askCapabilities() {
 void StartUp::leaveModes() {
     tell<serialapi::AddNodeToNetwork>({serialapi::mode::stop, std::nullopt, std::nullopt});
     tell<serialapi::RemoveNodeFromNetwork>({serialapi::mode::stop, std::nullopt});
+    if (information().knows<serialapi::ControllerChange>()) {
+        tell<serialapi::ControllerChange>({serialapi::mode::stop, std::nullopt});
+    }
     if (information().knows<serialapi::SetLearnMode>()) { tell<serialapi::SetLearnMode>({0, Byte{0}}); }
     if (information().knows<serialapi::NvmBackupRestore>()) {
         tell<serialapi::NvmBackupRestore>({serialapi::NvmBackupRestore::close, 0, 0, {}});

@@ -16,9 +16,9 @@ class ZORV_EXPORT StartUp : public Job {
 public:
     using Remembered = std::map<ZwaveAddress, Device>;
 
-    /// What is known of a node counts where the module still has it. With `softReset` the module is restarted first.
-    explicit StartUp(bool softReset = false, Remembered remembered = {})
-        : Job(limits::defaultJobTime), softReset_(softReset), remembered_(std::move(remembered)) {}
+    /// What is known of a node counts where the module still has it.
+    explicit StartUp(Restart restart = Restart::none, Remembered remembered = {})
+        : Job(limits::defaultJobTime), restart_(restart), remembered_(std::move(remembered)) {}
 
     char const* name() const noexcept override { return "start-up"; }
     Lane lane() const noexcept override { return Lane::module; }
@@ -37,7 +37,7 @@ private:
     template <class F>
     void askIfKnown(typename F::Request request, std::function<void(typename F::Response const&)> take);
 
-    void reset();
+    void awaitStart();
     void askVersion();
     void askCapabilities();
     void leaveModes();
@@ -58,11 +58,12 @@ private:
     ModuleInformation& information() const { return network().module; }
     bool hasSetup(Byte flag) const { return (information().setupCommands & flag) != 0; }
 
-    bool softReset_;
+    Restart restart_;
     Remembered remembered_;
     std::size_t position_ = 0;
     unsigned int restarts_ = 0;
     bool awaitsStart_ = false;
+    TimePoint patience_{};      ///< until then it may be silent: its loader copies other firmware
     Byte segment_ = 0;          ///< of the long range nodes
     std::vector<NodeId> nodes_; ///< not asked yet, the last one first
     std::map<NodeId, DeviceInfo> found_;

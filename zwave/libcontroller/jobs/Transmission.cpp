@@ -139,11 +139,12 @@ void Transmission::stepTimedOut() {
     fail("the module does not call back");
 }
 
-std::shared_ptr<Transmission> makePing(NodeId node, Milliseconds time) {
+std::shared_ptr<Transmission> makePing(NodeId node, Milliseconds time, int priority) {
     Transmission::Order order;
     order.nodes = {node};
     order.data = {0x00};
     order.asleep = Transmission::Asleep::fail;
+    order.priority = priority;
     order.time = time;
     return std::make_shared<Transmission>(std::move(order));
 }

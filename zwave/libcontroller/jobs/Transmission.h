@@ -74,6 +74,6 @@ private:
 };
 
 /// A frame that asks for nothing but its acknowledgement.
-ZORV_EXPORT std::shared_ptr<Transmission> makePing(NodeId node, Milliseconds time);
+ZORV_EXPORT std::shared_ptr<Transmission> makePing(NodeId node, Milliseconds time, int priority = 0);
 
 } // namespace zorv::controller
