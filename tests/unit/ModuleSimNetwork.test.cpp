@@ -6,6 +6,7 @@ namespace zorv::modulesim {
 namespace {
 
 using Add = api::AddNodeToNetwork;
+using Shift = api::ControllerChange;
 using Remove = api::RemoveNodeFromNetwork;
 
 constexpr Byte start = api::mode::any | api::mode::networkWide | api::mode::normalPower;
@@ -69,6 +70,37 @@ TEST_F(ModuleSimNetwork, TellsThatAControllerComesIn) {
     begin<Add>({start, Byte{9}, {}});
     link.passes(Milliseconds(500));
     EXPECT_EQ(story, "1:0 2:0 4:6 ");
+}
+
+TEST_F(ModuleSimNetwork, HandsTheNetworkOverToAControllerThatComes) {
+    auto controller = sensor;
+    controller.kind = NodeKind::listening;
+    controller.basic = 2;
+    link.module.join(controller, Milliseconds(0));
+    begin<Shift>({api::mode::controllerOnly, Byte{9}});
+    link.passes(Milliseconds(100));
+    EXPECT_TRUE(link.module.isInMode());
+    link.passes(Milliseconds(2000));
+    EXPECT_EQ(story, "1:0 2:0 4:6 5:6 ");
+    tell<Shift>({api::mode::stop, Byte{9}}, Milliseconds(100));
+    EXPECT_EQ(story, "1:0 2:0 4:6 5:6 6:6 end");
+    EXPECT_FALSE(link.module.isInMode());
+    EXPECT_EQ(link.ask<api::GetControllerCapabilities>()->capabilities & 0x1BU, 0x03U); // secondary, and no updater
+    EXPECT_EQ(link.ask<api::GetSucNodeId>()->node, 6);
+    EXPECT_EQ(link.follow<Add>({start, 0, {}}, Milliseconds(100)), "35:0 done"); // not primary any more
+    EXPECT_EQ(link.follow<Shift>({api::mode::controllerOnly, 0}, Milliseconds(100)), "35:0 done");
+}
+
+TEST_F(ModuleSimNetwork, HandsTheNetworkOverToNothingButAController) {
+    link.module.join(sensor, Milliseconds(0));
+    begin<Shift>({api::mode::controllerOnly, Byte{9}});
+    link.passes(Milliseconds(5000));
+    EXPECT_EQ(story, "1:0 ");
+    EXPECT_EQ(link.follow<Add>({start, 0, {}}, Milliseconds(100)), "7:0 done"); // one mode at a time
+    tell<Shift>({api::mode::stop, Byte{9}}, Milliseconds(100));
+    EXPECT_EQ(story, "1:0 6:0 end");
+    EXPECT_EQ(link.ask<api::GetControllerCapabilities>()->capabilities & 0x01U, 0U);
+    EXPECT_EQ(link.follow<Shift>({api::mode::any, 0}, Milliseconds(100)), "7:0 done"); // no mode of this function
 }
 
 TEST_F(ModuleSimNetwork, WaitsForANodeUntilItIsToldToStop) {
@@ -137,6 +169,15 @@ TEST_F(ModuleSimNetwork, LetsANodeOfAnotherNetworkGoAsNodeZero) {
     EXPECT_EQ(link.module.nodes(), (Ids{1, 2, 3, 4, 5}));
 }
 
+TEST_F(ModuleSimNetwork, CannotBeToldAnewToLetNodesGoOnceOneIsFound) {
+    link.module.leave(2, Milliseconds(0));
+    begin<Remove>({start, Byte{9}});
+    link.passes(Milliseconds(100));
+    EXPECT_EQ(story, "1:0 2:0 ");
+    tell<Remove>({start, Byte{8}}, Milliseconds(1000));
+    EXPECT_EQ(story, "1:0 2:0 3:2 6:2 end");
+}
+
 TEST_F(ModuleSimNetwork, StopsLettingNodesGo) {
     begin<Remove>({start, Byte{9}});
     link.passes(Milliseconds(100));
@@ -156,6 +197,19 @@ TEST_F(ModuleSimNetwork, ListsANodeAsFailedWhenItDoesNotAcknowledgeUntilItDoes) 
     link.passes(Milliseconds(0));
     fails(4);
     EXPECT_EQ(link.ask<api::IsFailedNode>({4})->value, 0);
+}
+
+TEST_F(ModuleSimNetwork, RemembersTheFiveNodesThatHaveFailedLast) {
+    SimulatedNetwork network;
+    network.nodes.resize(6);
+    for (std::size_t i = 0; i < network.nodes.size(); ++i) {
+        network.nodes[i].id = static_cast<NodeId>(i + 2);
+        network.nodes[i].dead = true;
+    }
+    HeardLink dead(network);
+    for (NodeId node = 2; node <= 7; ++node) { dead.follow<api::SendData>({node, {0x00}, 0x25, 0}, Milliseconds(500)); }
+    EXPECT_EQ(dead.ask<api::IsFailedNode>({2})->value, 0);
+    for (NodeId node = 3; node <= 7; ++node) { EXPECT_EQ(dead.ask<api::IsFailedNode>({node})->value, 1) << int{node}; }
 }
 
 TEST_F(ModuleSimNetwork, RemovesANodeThatFailsOnceMore) {
@@ -223,6 +277,13 @@ TEST_F(ModuleSimNetwork, JoinsAnotherNetworkAndLeavesItAgain) {
     EXPECT_EQ(empty.follow<api::SetLearnMode>({0x03, {}}, Milliseconds(2000)), "6:1 done");
     EXPECT_EQ(empty.module.nodes(), Ids{1});
     EXPECT_EQ(empty.ask<api::GetControllerCapabilities>()->capabilities & 0x03, 0);
+}
+
+TEST_F(ModuleSimNetwork, DoesNotLearnWhileItTakesNodesIn) {
+    begin<Add>({start, Byte{9}, {}});
+    link.passes(Milliseconds(100));
+    EXPECT_EQ(link.ask<api::SetLearnMode>({1, Byte{5}})->accepted, 0);
+    EXPECT_EQ(story, "1:0 ");
 }
 
 TEST_F(ModuleSimNetwork, StaysInLearnModeUntilItIsToldToStop) {

@@ -71,6 +71,11 @@ void Core::send(api::Frame frame, api::Urgency urgency) { session.send(std::move
 void Core::receive(Bytes const& bytes, TimePoint now) {
     tick(now);
     if (isStarting_) { return; } // deaf until it runs
+    if (loader_) {
+        time_ = now;
+        auto const loader = loader_; // which may give the line back
+        return loader(bytes);
+    }
     session.receive(bytes, now);
     work(now);
 }
@@ -91,6 +96,7 @@ void Core::begin(TimePoint now) {
     now_ = now;
     if (std::exchange(hasBegun_, true)) { return; }
     time_ = now;
+    faults.begin(now);
     for (auto& node : nodes) { planWakeUp(node); }
 }
 
@@ -141,7 +147,17 @@ void Core::resetSettings() {
     session.moduleTimes(api::limits::moduleAckTime, api::limits::byteTime);
 }
 
+void Core::enterLoader(std::function<void(Bytes const&)> loader) {
+    output_ = takeOutput(); // the acknowledgement of what made it enter
+    session.reset();
+    abandonJobs();
+    loader_ = std::move(loader);
+}
+
+void Core::say(Bytes const& bytes) { output_.insert(output_.end(), bytes.begin(), bytes.end()); }
+
 void Core::restart(Byte reason) {
+    loader_ = {};
     output_ = takeOutput(); // the acknowledgement of what made it restart
     session.reset();
     session.takeEvents();
@@ -150,7 +166,7 @@ void Core::restart(Byte reason) {
     resetSettings();
     hooks.restarting();
     isStarting_ = true;
-    after(timing::starts, [this, reason] {
+    after(timing::starts + std::exchange(startsLater, Milliseconds(0)), [this, reason] {
         isStarting_ = false;
         if (isSeries500()) { return; } // says nothing when it starts
         report<api::SerialApiStarted>({reason, 0, 0x01, 0x02, 0x01, {}, Byte{0}});

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "zwave/libmodulesim/AgendaImpl.h"
+#include "zwave/libmodulesim/FaultListImpl.h"
 #include "zwave/libmodulesim/SimulatedNetwork.h"
 #include "zwave/libmodulesim/SimulatedNodeImpl.h"
 #include "zwave/libserialapi/SessionLayer.h"
@@ -38,7 +39,16 @@ struct Membership {
 };
 
 /// Which mode of the radio network is on; one at a time.
-enum class NetworkMode { none, inclusion, exclusion, learning, replacing, neighbourSearch, failedNode };
+enum class NetworkMode {
+    none,
+    inclusion,
+    controllerChange,
+    exclusion,
+    learning,
+    replacing,
+    neighbourSearch,
+    failedNode
+};
 
 /// What the families of functions share: the way to the host, the time, the membership, and the nodes around.
 class Core {
@@ -72,11 +82,12 @@ public:
 
     /// Nothing where the host wants none: its id is 0.
     template <class F> void callBack(typename F::Callback const& callback) {
-        if (callback.callbackId == 0) { return; }
+        if (callback.callbackId == 0 || isHit(Fault::Kind::withholdCallback, F::id)) { return; }
         send({serialapi::FrameType::request, F::id, encodeForm(callback, width)}, serialapi::Urgency::callback);
     }
 
     template <class F> void report(typename F::Callback const& content) {
+        if (isHit(Fault::Kind::withholdCallback, F::id)) { return; }
         send({serialapi::FrameType::request, F::id, encodeForm(content, width)}, serialapi::Urgency::report);
     }
 
@@ -91,11 +102,22 @@ public:
     void soon(Agenda::Work work) { soon_.push_back(std::move(work)); } ///< with the next tick
     void cancel(Agenda::Entry const& entry) { agenda_.cancel(entry); }
 
+    // ---- faults
+    /// Whether a fault strikes now; each question is an occasion.
+    bool isHit(Fault::Kind kind, std::optional<Byte> function = std::nullopt) {
+        return faults.hit(kind, Fault::Direction::toHost, function, time_) != nullptr;
+    }
+
     // ---- restarts
     /// Called when the module gives up what it was about to do.
     void onReset(std::function<void()> handler) { resetHandlers_.push_back(std::move(handler)); }
     void abandonJobs();
     void restart(Byte reason);
+
+    /// Gives the line to the module's loader until the next restart.
+    void enterLoader(std::function<void(Bytes const&)> loader);
+    bool isInLoader() const noexcept { return static_cast<bool>(loader_); }
+    void say(Bytes const& bytes); ///< past the session layer
     void toFactoryDefaults();
 
     /// To be called after each change of the membership, which is kept in memory.
@@ -126,6 +148,7 @@ public:
 
     Hooks hooks;
     SimulatedNetwork described;
+    FaultList faults{described.faults, described.seed};
     Membership membership;
     std::mt19937 random;
     serialapi::NodeIdWidth width = serialapi::NodeIdWidth::one;
@@ -133,6 +156,7 @@ public:
     bool isRadioOn = true;
     bool reportsTransmissions = true;
     serialapi::SetTimeouts::Times times; ///< that the host has asked for
+    Milliseconds startsLater{0};         ///< once: what its loader does first
     std::deque<NodeId> failed;           ///< the oldest first
     std::list<SimulatedNode> nodes;
     std::deque<std::pair<SimulatedNode*, Milliseconds>> joining;
@@ -158,6 +182,7 @@ private:
     TimePoint now_{};
     TimePoint time_{};
     Bytes output_; ///< of what the session layer has forgotten at a restart
+    std::function<void(Bytes const&)> loader_;
     bool isStarting_ = false;
     bool hasBegun_ = false;
     std::vector<std::function<void()>> resetHandlers_;

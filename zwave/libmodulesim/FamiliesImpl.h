@@ -18,5 +18,7 @@ void serveLearnMode(Core& core);
 void serveFailedNodes(Core& core);
 void serveRoles(Core& core);
 void serveMemory(Core& core);
+void serveFirmware(Core& core); // after the memory, whose restart comes first
+void serveLoader(Core& core);
 
 } // namespace zorv::modulesim

@@ -5,8 +5,9 @@
 
 #include <memory>
 #include <optional>
+#include <type_traits>
 
-// A node is taken in.
+// A node is taken in; by the change of the primary controller, a controller that takes the module's place.
 
 namespace zorv::modulesim {
 
@@ -17,21 +18,22 @@ namespace {
 
 constexpr Byte modeBits = 0x0F;
 
-class Inclusion {
+/// By the function `F`, AddNodeToNetwork or ControllerChange.
+template <class F> class Inclusion {
 public:
     explicit Inclusion(Core& core) : core_(core) {}
 
-    void take(api::AddNodeToNetwork::Request const& request) {
+    void take(typename F::Request const& request) {
         auto const wanted = static_cast<Byte>(request.mode & modeBits);
         if (wanted == mode::stop || wanted == mode::stopFailed) { return stop(request.callbackId); }
         if (stage_ > Stage::waiting) { return; } // too late for anything but a stop
         callbackId_ = request.callbackId.value_or(0);
         if (!core_.membership.assignsIds()) { return tell(mode::notPrimary); }
-        bool const isKnown = wanted >= mode::any && wanted < mode::stop;
-        bool const isFree = core_.mode == NetworkMode::none || core_.mode == NetworkMode::inclusion;
+        bool const isKnown = isShift ? wanted == mode::controllerOnly : wanted >= mode::any && wanted < mode::stop;
+        bool const isFree = core_.mode == NetworkMode::none || core_.mode == ownMode;
         if (!isKnown || !isFree) { return tell(mode::failed); }
         enter(Stage::starting);
-        core_.mode = NetworkMode::inclusion;
+        core_.mode = ownMode;
         plan(timing::modeStarts, [this] {
             enter(Stage::waiting);
             tell(mode::ready);
@@ -42,6 +44,7 @@ public:
     /// Has the next node come whose button is going to be pressed, if any.
     void lookOut() {
         if (stage_ != Stage::waiting || core_.joining.empty()) { return; }
+        if (isShift && !core_.joining.front().first->isController()) { return; }
         plan(core_.joining.front().second, [this] { find(); });
     }
 
@@ -53,6 +56,8 @@ public:
 
 private:
     enum class Stage { idle, starting, waiting, found, added, complete };
+    static constexpr bool isShift = std::is_same_v<F, api::ControllerChange>;
+    static constexpr NetworkMode ownMode = isShift ? NetworkMode::controllerChange : NetworkMode::inclusion;
 
     void enter(Stage stage) noexcept { stage_ = stage; }
 
@@ -66,7 +71,17 @@ private:
         core_.joining.pop_front();
         enter(Stage::found);
         tell(mode::nodeFound);
+        if (core_.isHit(Fault::Kind::killJoiner)) {
+            return plan(timing::waitsForJoiner, [this] { giveUp(); });
+        }
         plan(timing::nodeIntroduces, [this] { add(); });
+    }
+
+    /// What was found says nothing any more; nobody will press its button again.
+    void giveUp() {
+        found_ = nullptr;
+        enter(Stage::complete);
+        tell(mode::failed);
     }
 
     void add() {
@@ -78,10 +93,19 @@ private:
         plan(timing::findsNeighbours, [this] {
             auto& record = core_.membership.nodes[node_];
             record.neighbours = core_.neighboursOf(node_);
+            if (isShift) { handOver(); }
             core_.membershipChanged();
             enter(Stage::complete);
             tell(mode::protocolDone, node_);
         });
+    }
+
+    /// What was found is the primary controller now, and keeps the network's changes.
+    void handOver() {
+        auto& membership = core_.membership;
+        membership.isSecondary = true;
+        membership.isSis = false;
+        if (membership.updateController != 0) { membership.updateController = node_; }
     }
 
     /// A node that still has this network's home id gets its old id again.
@@ -97,7 +121,7 @@ private:
     /// A stop without a callback id is told of under that of the start; with 0 it is silent.
     void stop(std::optional<Byte> callbackId) {
         core_.cancel(pending_);
-        if (core_.mode == NetworkMode::replacing) {
+        if (!isShift && core_.mode == NetworkMode::replacing) {
             core_.hooks.stopReplacing(callbackId.value_or(0));
             return;
         }
@@ -105,12 +129,12 @@ private:
         if (stage_ == Stage::found) { core_.joining.emplace_front(found_, Milliseconds(0)); }
         auto const node = node_;
         forget();
-        if (core_.mode == NetworkMode::inclusion) { core_.mode = NetworkMode::none; }
+        if (core_.mode == ownMode) { core_.mode = NetworkMode::none; }
         plan(timing::modeStops, [this, node] { tell(mode::done, node); });
     }
 
     void tell(Byte status, NodeId node = 0, std::optional<api::NodeInformation> information = std::nullopt) {
-        core_.callBack<api::AddNodeToNetwork>({callbackId_, status, node, std::move(information)});
+        core_.callBack<F>({callbackId_, status, node, std::move(information)});
     }
 
     Core& core_;
@@ -124,10 +148,18 @@ private:
 } // namespace
 
 void serveInclusion(Core& core) {
-    auto const inclusion = std::make_shared<Inclusion>(core);
-    core.onReset([inclusion] { inclusion->forget(); });
-    core.hooks.joinerCame = [inclusion] { inclusion->lookOut(); };
+    auto const inclusion = std::make_shared<Inclusion<api::AddNodeToNetwork>>(core);
+    auto const shift = std::make_shared<Inclusion<api::ControllerChange>>(core);
+    core.onReset([inclusion, shift] {
+        inclusion->forget();
+        shift->forget();
+    });
+    core.hooks.joinerCame = [inclusion, shift] {
+        inclusion->lookOut();
+        shift->lookOut();
+    };
     core.serve<api::AddNodeToNetwork>([inclusion](auto const& request) { inclusion->take(request); });
+    core.serve<api::ControllerChange>([shift](auto const& request) { shift->take(request); });
 }
 
 } // namespace zorv::modulesim

@@ -33,8 +33,11 @@ public:
         if (request.mode == off) {
             stop();
             if (core_.isSeries500()) { return true; }
-            callbackId_ = request.callbackId.value_or(callbackId_);
-            plan(timing::modeStops, [this] { tell(mode::failed); });
+            // The mode may have been begun again by then, under another id.
+            auto const callbackId = request.callbackId.value_or(callbackId_);
+            plan(timing::modeStops, [this, callbackId] {
+                core_.callBack<api::SetLearnMode>({callbackId, mode::failed, 0, {}});
+            });
             return true;
         }
         auto const job = jobOf(request.mode);

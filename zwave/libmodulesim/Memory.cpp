@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 namespace zorv::modulesim {
 
@@ -49,6 +50,7 @@ struct NodeEntry {
 };
 
 std::size_t sizeOf(SimulatedNetwork const& described) {
+    if (!described.nvmImage.empty()) { return described.nvmImage.size(); }
     if (described.nvmSize != 0) { return described.nvmSize; }
     switch (described.generation) {
     case Generation::series500: return 128 * kibibyte;
@@ -98,7 +100,12 @@ Memory::Memory(Core& core) : core_(core), image_(std::max(sizeOf(core.described)
     for (std::size_t i = applicationOffset; i < applicationOffset + applicationSize; ++i) {
         image_[i] = static_cast<Byte>(random());
     }
-    keep();
+    std::copy(core.described.nvmImage.begin(), core.described.nvmImage.end(), image_.begin());
+    if (auto membership = readMembership(image_)) {
+        core.membership = std::move(*membership);
+    } else {
+        keep();
+    }
     core.hooks.membershipChanged = [this] { keep(); };
     core.hooks.restarting = [this] { load(); };
 }
@@ -118,6 +125,10 @@ bool Memory::write(std::size_t offset, Bytes const& data) {
         image_[offset + i] = data[i];
     }
     return hasChanged;
+}
+
+bool Memory::fails(std::size_t offset, std::size_t length) {
+    return core_.faults.hitsMemory(offset + length, image_.size(), core_.time());
 }
 
 void Memory::keep() {
@@ -186,7 +197,8 @@ void serveMemory500(Core& core, Memory& memory) {
     });
     core.serve<api::NvmExtReadLongBuffer>([&memory](api::NvmExtReadLongBuffer::Request const& request) {
         bool const isTooMuch = request.length > largestPiece500;
-        return api::MemoryContent{isTooMuch ? Bytes() : memory.read(request.address, request.length)};
+        bool const isNothing = isTooMuch || memory.fails(request.address, request.length);
+        return api::MemoryContent{isNothing ? Bytes() : memory.read(request.address, request.length)};
     });
     core.serve<api::NvmExtWriteLongBuffer>([&memory](api::NvmExtWriteLongBuffer::Request const& request) {
         return api::Setting{memory.write(request.address, request.data) ? Byte{1} : Byte{0}};
@@ -256,6 +268,7 @@ private:
     }
 
     Response read(Request const& request) const {
+        if (memory_.fails(request.offset, request.length)) { return {F::error, 0, request.offset, {}}; }
         auto const data = memory_.read(request.offset, std::min<std::size_t>(request.length, largestPiece));
         bool const isEnd = request.offset + data.size() >= memory_.size();
         return {isEnd ? F::endOfFile : F::ok, static_cast<Byte>(data.size()), request.offset, data};

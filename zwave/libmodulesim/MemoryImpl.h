@@ -22,6 +22,9 @@ public:
     /// True where a byte has changed; what lies behind the end of the memory is not written.
     bool write(std::size_t offset, Bytes const& data);
 
+    /// Whether a fault keeps these bytes from being read.
+    bool fails(std::size_t offset, std::size_t length);
+
     /// How often the module has written by itself.
     std::uint64_t ownWrites() const noexcept { return ownWrites_; }
 

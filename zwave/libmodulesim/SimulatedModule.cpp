@@ -3,12 +3,14 @@
 
 #include "zwave/libmodulesim/CoreImpl.h"
 #include "zwave/libmodulesim/FamiliesImpl.h"
+#include "zwave/libmodulesim/FaultyLineImpl.h"
 
 #include <utility>
 
 namespace zorv::modulesim {
 
-SimulatedModule::SimulatedModule(SimulatedNetwork network) : core_(std::make_unique<Core>(std::move(network))) {
+SimulatedModule::SimulatedModule(SimulatedNetwork network)
+    : core_(std::make_unique<Core>(std::move(network))), line_(std::make_unique<FaultyLine>(*core_)) {
     serveInformation(*core_);
     serveSettings(*core_);
     serveSending(*core_);
@@ -19,19 +21,21 @@ SimulatedModule::SimulatedModule(SimulatedNetwork network) : core_(std::make_uni
     serveFailedNodes(*core_);
     serveRoles(*core_);
     serveMemory(*core_);
+    serveFirmware(*core_);
+    serveLoader(*core_);
 }
 
 SimulatedModule::~SimulatedModule() = default;
 
 void SimulatedModule::start() { core_->session.start(); }
 
-void SimulatedModule::receive(Bytes const& bytes, TimePoint now) { core_->receive(bytes, now); }
+void SimulatedModule::receive(Bytes const& bytes, TimePoint now) { line_->receive(bytes, now); }
 
-void SimulatedModule::tick(TimePoint now) { core_->tick(now); }
+void SimulatedModule::tick(TimePoint now) { line_->tick(now); }
 
-Bytes SimulatedModule::takeOutput() { return core_->takeOutput(); }
+Bytes SimulatedModule::takeOutput() { return line_->takeOutput(); }
 
-std::optional<TimePoint> SimulatedModule::deadline() const noexcept { return core_->deadline(); }
+std::optional<TimePoint> SimulatedModule::deadline() const noexcept { return line_->deadline(); }
 
 // ---- what people do
 
@@ -92,6 +96,8 @@ std::vector<NodeId> SimulatedModule::nodes() const {
 bool SimulatedModule::isInMode() const noexcept { return core_->mode != NetworkMode::none; }
 
 bool SimulatedModule::isRadioOn() const noexcept { return core_->isRadioOn; }
+
+bool SimulatedModule::isThere() const noexcept { return line_->isThere(); }
 
 serialapi::SessionCounters SimulatedModule::counters() const noexcept { return core_->session.counters(); }
 

@@ -12,6 +12,7 @@
 namespace zorv::modulesim {
 
 class Core;
+class FaultyLine;
 
 /// The far end of the serial line: a controller module with its network, which answers a host as a real one does.
 ///
@@ -63,6 +64,7 @@ public:
     std::vector<NodeId> nodes() const;
     bool isInMode() const noexcept; ///< inclusion, exclusion, learn mode, or a job on a node
     bool isRadioOn() const noexcept;
+    bool isThere() const noexcept; ///< its port, which may be gone for a while by a fault
     serialapi::SessionCounters counters() const noexcept;
 
     /// Has every data frame told that is sent or was received well.
@@ -70,6 +72,7 @@ public:
 
 private:
     std::unique_ptr<Core> core_;
+    std::unique_ptr<FaultyLine> line_;
 };
 
 } // namespace zorv::modulesim

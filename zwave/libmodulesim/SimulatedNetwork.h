@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "zwave/libmodulesim/Fault.h"
 #include "zwave/libserialapi/Limits.h"
 #include "zwave/libserialapi/functions/Fields.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,6 +37,8 @@ struct ProductIds {
     std::uint16_t productId = 1;
 };
 
+constexpr std::array<Byte, 4> classesOfASwitch{0x25, 0x72, 0x85, 0x86};
+
 struct NodeDescription {
     NodeId id = 0; ///< 1 to 232; of no meaning for a node that has yet to join
     NodeKind kind = NodeKind::listening;
@@ -45,9 +50,10 @@ struct NodeDescription {
     Byte basic = 4; ///< routing end node
     Byte generic = 0x10;
     Byte specific = 0x01;
-    Bytes commandClasses = {0x25, 0x72, 0x85, 0x86}; ///< that it supports, beside Basic
-    Byte classVersion = 1;                           ///< of each
-    std::vector<NodeId> neighbours = {};             ///< none: whoever listens
+    Bytes commandClasses{classesOfASwitch.begin(), classesOfASwitch.end()}; ///< that it supports, beside Basic
+    Byte classVersion = 1; ///< of each that `classVersions` does not name
+    std::map<Byte, Byte> classVersions = {};
+    std::vector<NodeId> neighbours = {}; ///< none: whoever listens
 
     ProductIds product = {};
     Byte applicationVersion = 1;
@@ -87,6 +93,7 @@ struct SimulatedNetwork {
     Byte applicationRevision = 0;
     std::vector<Byte> withoutFunctions; ///< that the module lacks, though its generation has them
     std::size_t nvmSize = 0;            ///< bytes; 0: as befits the generation
+    Bytes nvmImage = {};                ///< what the memory holds at the start; none: as it came from the factory
     bool isSis = true;                  ///< the module assigns the ids, and is the update controller
     std::optional<NodeId> secondaryTo;  ///< the primary controller, where the module is not that
 
@@ -95,6 +102,7 @@ struct SimulatedNetwork {
     std::vector<Joiner> joining; ///< in this order, one for each inclusion
     std::vector<Leaver> leaving; ///< in this order, one for each exclusion
     std::optional<OtherNetwork> otherNetwork;
+    std::vector<Fault> faults;
 };
 
 } // namespace zorv::modulesim

@@ -91,7 +91,9 @@ Byte SimulatedNode::versionOf(Byte commandClass) const noexcept {
     auto const& known = description_.commandClasses;
     bool const isKnown =
         commandClass == commandClass::basic || std::find(known.begin(), known.end(), commandClass) != known.end();
-    return isKnown ? description_.classVersion : Byte{0};
+    if (!isKnown) { return 0; }
+    auto const version = description_.classVersions.find(commandClass);
+    return version == description_.classVersions.end() ? description_.classVersion : version->second;
 }
 
 std::vector<Bytes> SimulatedNode::take(Bytes const& command) {
@@ -135,7 +137,7 @@ std::vector<Bytes> SimulatedNode::takeWakeUp(Bytes const& command) {
     if (api::decodeCommand<commands::WakeUpIntervalGet>(command)) {
         return one(commands::WakeUpIntervalReport(wakeUp_));
     }
-    if (description_.classVersion >= 2 && api::decodeCommand<commands::WakeUpCapabilitiesGet>(command)) {
+    if (versionOf(commandClass::wakeUp) >= 2 && api::decodeCommand<commands::WakeUpCapabilitiesGet>(command)) {
         return one(commands::WakeUpCapabilitiesReport(
             {timing::shortestWakeUp, timing::longestWakeUp, description_.wakeUpSeconds, 1}));
     }
@@ -168,7 +170,7 @@ std::vector<Bytes> SimulatedNode::takeVersion(Bytes const& command) const {
     if (api::decodeCommand<commands::VersionGet>(command)) {
         commands::Versions versions{0x03, 4, 5, description_.applicationVersion, description_.applicationSubVersion,
                                     {}};
-        if (description_.classVersion >= 2) { versions.hardware = 1; }
+        if (versionOf(commandClass::version) >= 2) { versions.hardware = 1; }
         return one(commands::VersionReport(versions));
     }
     if (auto const get = api::decodeCommand<commands::VersionCommandClassGet>(command)) {
