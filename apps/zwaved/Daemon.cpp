@@ -3,6 +3,7 @@
 
 #include "platform/libzorvlogger/Logger.h"
 #include "zwave/libquillet/Confirmable.h"
+#include "zwave/libquillet/SocketStatusMsg.h"
 #include "zwave/libquillet/VersionMsg.h"
 #include "zwave/libquillet/protocolVersion.h"
 
@@ -10,41 +11,18 @@
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
 
-#include <string>
+#include <chrono>
 #include <utility>
 
-namespace zorv {
+namespace zorv::daemon {
 
-Daemon::Daemon(EventLoop& loop, TcpListener::Endpoint const& local, TcpLimits const& limits,
-               NetworkDescription const& network)
-    : loop_(loop),
-      network_(network),
-      bus_(loop, busHandlers()),
-      listener_(loop, local, limits, [this](TcpConnection connection) { welcome(std::move(connection)); }) {
-    handleMessages();
-}
+namespace {
 
-MessageBus::Handlers Daemon::busHandlers() {
-    MessageBus::Handlers handlers;
-    handlers.opening = [](PeerId, TMessage const& first) { return judgeOpening(first); };
-    handlers.badLine = [this](PeerId from, BadMessageError const& error) { reject(from, error); };
-    return handlers;
-}
-
-/// Which messages the daemon answers, and by what.
-void Daemon::handleMessages() {
-    bus_.handle<PingMsg>([this](auto const& request, PeerId from) { ping(request, from); });
-    bus_.listen<VersionMsg>([this](auto const&, PeerId from) { tellVersion(from); });
-}
-
-void Daemon::welcome(TcpConnection connection) {
-    Logger::log(LogLevel::info, "zwaved: " + boost::lexical_cast<std::string>(connection.remote()) + " connected",
-                BOOST_CURRENT_LOCATION);
-    tellVersion(bus_.attach(std::move(connection)));
-}
+constexpr std::chrono::minutes endTime{1};            // a memory that is being written is written to its end
+constexpr std::chrono::milliseconds goodbyeTime{300}; // for clients to read what is left for them
 
 /// The complaint about a client's first message; empty if the message is good.
-std::string Daemon::judgeOpening(TMessage const& first) {
+std::string judgeOpening(TMessage const& first) {
     auto const* const version = dynamic_cast<VersionMsg const*>(&first);
     if (version == nullptr) { return first.name() + " instead of VersionMsg"; }
     if (understands(version->protocolVersion())) { return ""; }
@@ -52,13 +30,61 @@ std::string Daemon::judgeOpening(TMessage const& first) {
     return "protocol version " + version->protocolVersion().substr(0, longestShown) + ", this is " + protocolVersion;
 }
 
-void Daemon::tellVersion(PeerId to) { bus_.send(to, VersionMsg::create(protocolVersion)); }
+} // namespace
 
-void Daemon::ping(boost::shared_ptr<PingMsg> const& request, PeerId from) {
-    auto const outcome = network_.reach(request->destination());
-    auto const latencyMs = outcome.result == ZResult::success ? static_cast<unsigned int>(outcome.delay.count()) : 0;
-    auto const response = PingMsg::create(request, outcome.result, latencyMs);
-    after(outcome.delay, [this, from, response] { bus_.answer(from, response); });
+bool mayAdminister(TMessage const& message) { return message.source().address().is_loopback(); }
+
+Daemon::Daemon(EventLoop& loop, OpenPort openPort, std::string const& stateFolder, std::string const& firmwareFolder,
+               std::function<void()> ended)
+    : loop_(loop),
+      ended_(std::move(ended)),
+      recorder_(stateFolder),
+      bus_(loop, busHandlers()),
+      announcer_(bus_, link_, recorder_),
+      link_(loop, announcer_, std::move(openPort)),
+      requests_(bus_, link_, recorder_),
+      context_{bus_, link_, requests_, announcer_},
+      metrics_(loop, bus_, link_, requests_),
+      clientMessages_(
+          context_, [this] { return metrics_.rows(); }, [this] { quit(); }),
+      networkMessages_(context_),
+      nodeMessages_(context_),
+      moduleMessages_(context_),
+      memoryMessages_(context_),
+      firmwareMessages_(context_, firmwareFolder) {
+    for (auto const& device : recorder_.devices()) { link_.remember(device); }
+    link_.atTurnsEnd([this] { turnEnded(); });
+    link_.trace([this](serialapi::Side sender, serialapi::Frame const& frame) { announcer_.traced(sender, frame); });
+}
+
+MessageBus::Handlers Daemon::busHandlers() {
+    MessageBus::Handlers handlers;
+    handlers.opening = [](PeerId, TMessage const& first) { return judgeOpening(first); };
+    handlers.badLine = [this](PeerId from, BadMessageError const& error) { reject(from, error); };
+    // Nobody can tell a client that has only closed its own half from one that is gone.
+    handlers.inputEnded = [this](PeerId peer) { requests_.inputEnded(peer); };
+    handlers.left = [this](PeerId peer, std::string const& reason) { left(peer, reason); };
+    return handlers;
+}
+
+// ---- clients
+
+void Daemon::welcome(TcpConnection connection) {
+    auto const remote = connection.remote();
+    Logger::log(LogLevel::info, "zwaved: " + boost::lexical_cast<std::string>(remote) + " connected",
+                BOOST_CURRENT_LOCATION);
+    auto const peer = bus_.attach(std::move(connection));
+    clients_.emplace(peer, remote);
+    clientMessages_.tellVersion(peer);
+    announcer_.announce(SocketStatusMsg::create(remote, SocketEvent::connect, SocketActor::client));
+}
+
+void Daemon::left(PeerId peer, std::string const& reason) {
+    requests_.left(peer);
+    auto const status = reason == TcpConnection::closedByPeer ? SocketEvent::disconnect : SocketEvent::error;
+    auto const client = clients_.extract(peer);
+    announcer_.announce(SocketStatusMsg::create(client.mapped(), status, SocketActor::client));
+    if (hasSaidGoodbye_ && bus_.peerCount() == 0) { ended_(); }
 }
 
 void Daemon::reject(PeerId from, BadMessageError const& error) {
@@ -67,13 +93,29 @@ void Daemon::reject(PeerId from, BadMessageError const& error) {
     bus_.send(from, rejection);
 }
 
-void Daemon::after(std::chrono::milliseconds delay, std::function<void()> work) {
-    if (delay.count() == 0) { return work(); }
-    auto const id = ++lastTimer_;
-    timers_.emplace(id, Timer(loop_, delay, [this, id, work = std::move(work)] {
-                        timers_.erase(id);
-                        work();
-                    }));
+// ---- the end
+
+void Daemon::quit() {
+    if (isEnding_) { return ended_(); }
+    isEnding_ = true;
+    announcer_.stopping();
+    lastMoment_ = Timer(loop_, endTime, [this] { sayGoodbye(); });
+    link_.windUp(); // its turn's end looks whether anything is left
 }
 
-} // namespace zorv
+/// What has waited for the controller goes on, and what it has found out is kept.
+void Daemon::turnEnded() {
+    announcer_.turnEnded();
+    requests_.goOn();
+    recorder_.flush();
+    if (isEnding_ && link_.controller().isIdle()) { sayGoodbye(); }
+}
+
+void Daemon::sayGoodbye() {
+    if (std::exchange(hasSaidGoodbye_, true)) { return; }
+    if (bus_.peerCount() == 0) { return ended_(); }
+    bus_.disconnectAll("the daemon ends");
+    lastMoment_ = Timer(loop_, goodbyeTime, [this] { ended_(); });
+}
+
+} // namespace zorv::daemon

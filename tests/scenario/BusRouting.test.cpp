@@ -18,6 +18,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
 #include <functional>
@@ -254,11 +258,40 @@ TEST_F(Bus, ForgetsTheRequestsOfAPeerThatGoes) {
     server_.disconnect(client.atServer);
     runLoop(loop_);
     EXPECT_EQ(left_, (Strings{"closed here"}));
-    EXPECT_EQ(server_.peerCount(), 0U);
     server_.answer(requests.at(0).from,
                    PingMsg::create(requests.at(0).ping, ZResult::success, 1)); // goes nowhere, and harms nobody
     echoPings();
     EXPECT_EQ(ask(addClient(), newPing())->result(), TResult::success);
+}
+
+/// Processor time of this thread, which a busy machine does not add to.
+double processorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+TEST_F(Bus, ForgetsAPeerWithoutLookingAtTheRequestsThatWaitForOthers) {
+    // These peers say nothing, so that little but the bus's own work is measured.
+    auto const timeOfPeersThatComeAndGo = [this] {
+        onAccepted_ = [this] { server_.disconnect(*accepted_); };
+        auto const start = processorSeconds();
+        for (int i = 0; i < 300; ++i) {
+            LineClient const client(listener_.local().port());
+            runLoop(loop_); // until the server knows that it has gone
+        }
+        return processorSeconds() - start;
+    };
+    auto const alone = timeOfPeersThatComeAndGo();
+    LineClient const busy(listener_.local().port());
+    onAccepted_ = [this] { loop_.stop(); };
+    runLoop(loop_);
+    auto const asked = *accepted_;
+    for (int i = 0; i < 10000; ++i) {
+        server_.request(asked, newPing(), seconds(600), [](auto const&) {});
+    }
+    auto const besideMany = timeOfPeersThatComeAndGo();
+    EXPECT_LT(besideMany, 3 * alone) << alone << " s, " << besideMany << " s";
 }
 
 TEST_F(Bus, RefusesARequestThatIsWaitingAlready) {
@@ -453,6 +486,30 @@ TEST_F(Bus, DisconnectsAPeerWithTooManyBadLines) {
     EXPECT_THAT(lines, Contains(testing::MatchesRegex("WARN MessageBus: [0-9]* complaints about .* left out")));
 }
 
+TEST_F(Bus, LogsTheBadLinesOfManyPeersAtABoundedRate) {
+    constexpr int peers = 60;
+    constexpr int linesEach = 5; // so many of each peer are logged at once
+    int handled = 0;
+    MessageBus::Handlers handlers;
+    handlers.badLine = [&](PeerId, BadMessageError const&) {
+        if (++handled == peers * linesEach) { loop_.stop(); }
+    };
+    MessageBus strict(loop_, handlers);
+    TcpListener const listener(loop_, {boost::asio::ip::address_v4::loopback(), 0}, TcpLimits(),
+                               [&](TcpConnection it) { strict.attach(std::move(it)); });
+    std::vector<std::unique_ptr<LineClient>> crowd;
+    for (int i = 0; i < peers; ++i) {
+        crowd.push_back(std::make_unique<LineClient>(listener.local().port()));
+        crowd.back()->send(std::string(linesEach, '\n'));
+    }
+    runLoop(loop_);
+    auto const lines = log_.lines();
+    auto const logged = std::count_if(lines.begin(), lines.end(),
+                                      [](auto const& line) { return line.find("bad line: ") != std::string::npos; });
+    EXPECT_GE(logged, 50);
+    EXPECT_LT(logged, 200); // those of all peers would be 300
+}
+
 TEST_F(Bus, DisconnectsAPeerThatDoesNotOpenInTime) {
     std::string reason;
     MessageBus::Handlers handlers;
@@ -512,9 +569,10 @@ TEST_F(Bus, DoesNotGiveAPeerTheAnswerToAnothersRequestOfTheSamePortAndIdentity) 
         loop_.stop();
     });
     auto const line = pingLine(1) + '\n';
-    auto first = std::make_unique<LineClient>(listener_.local().port());
+    // Below those that the system gives to others meanwhile.
+    auto const port = static_cast<unsigned short>(20000 + ::getpid() % 10000);
+    auto first = std::make_unique<LineClient>(listener_.local().port(), 0, port);
     onAccepted_ = [] {};
-    auto const port = first->localPort();
     first->send(line);
     runLoop(loop_);
     first->reset();

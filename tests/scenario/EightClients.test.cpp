@@ -3,6 +3,7 @@
 #include "platform/libmessage_bus/MessageBus.h"
 #include "tests/scenario/Process.h"
 #include "tests/scenario/runLoop.h"
+#include "tests/support/TemporaryDirectory.h"
 #include "zwave/libquillet/PingMsg.h"
 #include "zwave/libquillet/VersionMsg.h"
 
@@ -19,6 +20,10 @@ namespace {
 
 using namespace scenario;
 using namespace zorv;
+
+/// The frames of all clients go out one after the other.
+char const* const quickNetwork = R"({"homeId": "c0ffee01", "nodes": [
+    {"id": 2, "latencyMs": 1}, {"id": 3, "latencyMs": 1}, {"id": 5, "latencyMs": 2}, {"id": 6, "latencyMs": 3}]})";
 
 constexpr int clients = 8;
 constexpr int pingsOfAll = 1000;
@@ -60,7 +65,8 @@ Tally pingAtOnce(unsigned short port, unsigned char node, int count) {
 }
 
 TEST(EightClients, GetEachOfTheirThousandAnswersAndNoOther) {
-    DaemonProcess const daemon;
+    TemporaryDirectory const directory;
+    DaemonProcess const daemon({"--network", directory.write("network.json", quickNetwork)});
     std::vector<unsigned char> const nodes{1, 2, 3, 5, 6, 1, 2, 3};
     std::vector<Tally> tallies(clients);
     std::vector<std::thread> threads;
@@ -78,7 +84,8 @@ TEST(EightClients, GetEachOfTheirThousandAnswersAndNoOther) {
 }
 
 TEST(EightClients, GetAllTheirAnswersWhenOneOfThemIsKilledHalfWay) {
-    DaemonProcess const daemon;
+    TemporaryDirectory const directory;
+    DaemonProcess const daemon({"--network", directory.write("network.json", quickNetwork)});
     std::vector<std::unique_ptr<Process>> processes;
     for (int i = 0; i < clients; ++i) {
         auto const node = std::to_string(i % 2 == 0 ? 1 : 2);
