@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-// Writes a ping and reads it back, with nothing but the installed headers and libraries.
+// Writes a ping, reads it back and sends it, with nothing but the installed headers and libraries.
 
+#include "platform/libio/EventLoop.h"
+#include "platform/libmessage_bus/MessageBus.h"
 #include "platform/libtransport/readSerializable.h"
 #include "platform/libzorvshared/ZwaveAddress.h"
 #include "zwave/libquillet/PingMsg.h"
 
 #include <boost/shared_ptr.hpp>
 
+#include <chrono>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -28,5 +31,18 @@ int main() {
         return 1;
     }
     std::cout << written.str() << '\n';
+
+    zorv::EventLoop loop;
+    zorv::MessageBus bus(loop);
+    auto result = zorv::TResult::none;
+    bus.request(zorv::PeerId{1}, ping, std::chrono::seconds(1), [&](zorv::MessageBus::ConfirmablePtr const& answer) {
+        result = answer->result();
+        loop.stop();
+    });
+    loop.run();
+    if (result != zorv::TResult::failure) { // nobody is connected
+        std::cerr << "the bus answered " << result << '\n';
+        return 1;
+    }
     return 0;
 }
