@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/WireClasses.h"
+#include "tools/writeManual.h"
 #include "tools/writeReference.h"
 #include "tools/writeSchema.h"
 
@@ -12,12 +13,14 @@ int main(int argc, char** argv) {
     std::string const what = argc > 1 ? argv[1] : "";
     try {
         auto const classes = zorv::wireClasses();
-        if (what == "schema" && argc == 2) {
+        if (what == "manual" && argc == 2) {
+            zorv::writeManual(std::cout);
+        } else if (what == "schema" && argc == 2) {
             zorv::writeSchema(std::cout, classes);
         } else if (what == "reference" && argc == 3) {
             zorv::writeReference(std::cout, classes, argv[2]);
         } else {
-            std::cerr << "Usage: message-reference schema | reference SOURCE-DIR\n";
+            std::cerr << "Usage: message-reference schema | manual | reference SOURCE-DIR\n";
             return 2;
         }
     } catch (std::exception const& error) {

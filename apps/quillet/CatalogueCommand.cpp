@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Command.h"
 #include "apps/quillet/findMessage.h"
+#include "apps/quillet/words.h"
 
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "transport/displayRow.h"
@@ -169,15 +170,17 @@ public:
             return ExitCode::ok;
         }
         StringVecVec rows;
-        displayRow(rows, "Message", "Base", "Members");
         std::string lines;
         for (auto const& message : describeCatalogue()) {
             displayRow(rows, message.name, message.base, keysOf(message));
             lines += (lines.empty() ? "" : "\n") + toLine(message);
         }
+        output.titles({"Message", "Base", "Members"});
         output.show(rows, lines);
         return ExitCode::ok;
     }
+
+    std::vector<std::string> completions(TypedWord const& /*typed*/) const override { return messageWords(); }
 
 private:
     std::string name_;

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Command.h"
+#include "apps/quillet/EventView.h"
+#include "apps/quillet/messageRows.h"
 
-#include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readMessage.h"
-#include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/toText.h"
-#include "transport/displayRow.h"
-#include "zwave/libquillet/Catalogue.h"
+#include "zwave/libquillet/ObserveMsg.h"
 
 #include <CLI/CLI.hpp>
-#include <json/reader.h>
-#include <json/value.h>
 
 #include <iostream>
 #include <memory>
@@ -20,37 +17,10 @@ namespace zorv {
 
 namespace {
 
-/// The message's own rows; none if it shows only its header, or if showing it fails.
-StringVecVec tableOf(TMessage const& message) {
-    StringVecVec rows;
-    StringVecVec header;
-    try {
-        message.accumulateDisplay(rows);
-        message.TMessage::accumulateDisplay(header);
-    } catch (std::exception const&) { return {}; }
-    return rows == header ? StringVecVec() : rows;
-}
-
-/// A title, the result and the members of the message's class, with their values as they are written.
-StringVecVec membersOf(TMessage const& message) {
-    Json::Value frame;
-    auto const text = toText(message);
-    std::unique_ptr<Json::CharReader> const reader(Json::CharReaderBuilder().newCharReader());
-    reader->parse(text.data(), text.data() + text.size(), &frame, nullptr);
-    auto const asWritten = [&text](Json::Value const& value) {
-        auto const start = static_cast<std::size_t>(value.getOffsetStart());
-        return text.substr(start, static_cast<std::size_t>(value.getOffsetLimit()) - start);
-    };
-
-    StringVecVec rows;
-    displayRow(rows, message.name() + ':');
-    auto const* const confirmable = dynamic_cast<TConfirmable const*>(&message);
-    if (confirmable != nullptr) { displayRow(rows, "result_", '"' + toString(confirmable->result()) + '"'); }
-    for (auto const& type : describeCatalogue()) {
-        if (type.name != frame[Serializer::name].asString()) { continue; }
-        for (auto const& member : type.members) { displayRow(rows, member.key, asWritten(frame[member.key])); }
-    }
-    return rows;
+/// A copy as an observer gets it.
+bool isRecorded(TMessage const& message) {
+    auto const* const copy = dynamic_cast<ObserveMsg const*>(&message);
+    return copy != nullptr && copy->message() && copy->direction() != ObserveDirection::none;
 }
 
 /// Shows the messages on standard input, one per line. A line that is not a message is reported, and the next ones are
@@ -64,13 +34,18 @@ public:
     ExitCode run(DaemonAddress const&, Output& output) override {
         auto code = ExitCode::ok;
         std::size_t number = 0;
+        std::unique_ptr<EventView> traffic; // the rows of a recording
         for (std::string line; std::getline(std::cin, line);) {
             ++number;
             if (line.find_first_not_of(" \t\r") == std::string::npos) { continue; }
             try {
                 auto const message = readMessage(line);
-                auto const table = tableOf(*message);
-                output.show(table.empty() ? membersOf(*message) : table, toText(*message));
+                if (!output.isJson() && isRecorded(*message)) {
+                    if (!traffic) { traffic = makeEventView(EventForm::traffic, *message, output); }
+                    traffic->show(*message, output);
+                    continue;
+                }
+                output.show(messageRows(*message, output.hasTitles()), toText(*message));
             } catch (BadMessageError const& error) {
                 std::cerr << "quillet: line " << number << ": " << error.what() << std::endl;
                 code = ExitCode::protocolError;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Command.h"
 #include "apps/quillet/findMessage.h"
+#include "apps/quillet/words.h"
 
 #include "platform/libtransport/Serializable.h"
 #include "platform/libtransport/Serializer.h"
@@ -32,10 +33,11 @@ public:
     ExitCode run(DaemonAddress const&, Output& output) override {
         Serializer request;
         request << opencurly << Serializer::name << colon << findMessage(name_).name << closecurly;
-        auto const example = toText(*readSerializable(request.str()));
-        output.show({{example}}, example);
+        output.showLine(toText(*readSerializable(request.str())));
         return ExitCode::ok;
     }
+
+    std::vector<std::string> completions(TypedWord const& /*typed*/) const override { return messageWords(); }
 
 private:
     std::string name_;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/Command.h"
+#include "apps/quillet/frameText.h"
 
-#include "platform/libtransport/hexDigits.h"
 #include "transport/displayRow.h"
 #include "zwave/libserialapi/functions/FrameDissector.h"
 
@@ -26,7 +26,6 @@ using serialapi::Byte;
 using serialapi::Bytes;
 using serialapi::FieldValue;
 using serialapi::FieldValues;
-using serialapi::FormKind;
 using serialapi::Frame;
 using serialapi::FrameDissector;
 namespace control = serialapi::control;
@@ -72,33 +71,6 @@ char const* controlName(Byte byte) {
     }
 }
 
-char const* formText(FormKind kind) {
-    switch (kind) {
-    case FormKind::request: return "request";
-    case FormKind::response: return "response";
-    case FormKind::callback: return "callback";
-    }
-    return "";
-}
-
-std::string hexText(Bytes const& bytes) {
-    std::string text;
-    for (auto const byte : bytes) { text += hexDigits(byte, 2); }
-    return text;
-}
-
-std::string valueText(FieldValue const& value) {
-    switch (value.kind) {
-    case FieldValue::Kind::number: return std::to_string(value.number);
-    case FieldValue::Kind::bytes: return hexText(value.bytes);
-    case FieldValue::Kind::text: return '"' + value.text + '"';
-    case FieldValue::Kind::numbers: break;
-    }
-    std::string text;
-    for (auto const number : value.numbers) { text += (text.empty() ? "" : ",") + std::to_string(number); }
-    return text;
-}
-
 Json::Value valueJson(FieldValue const& value) {
     switch (value.kind) {
     case FieldValue::Kind::number: return static_cast<Json::Int64>(value.number);
@@ -120,8 +92,6 @@ Json::Value valueJson(FieldValue const& value) {
 /// The frames of a recording, as rows and as lines of JSON, and what is wrong with them.
 class FrameListing {
 public:
-    FrameListing() { displayRow(rows_, "Sender", "Function", "Form", "Members"); }
-
     void add(std::size_t lineNumber, std::string const& text) {
         number_ = lineNumber;
         auto const line = parseLine(text);
@@ -157,29 +127,20 @@ private:
         std::string why;
         auto const frame = Frame::decode(bytes, why);
         if (!frame) { return complain(why + ": " + hexText(bytes)); }
-        auto dissection = dissector_.dissect(sender, *frame);
-        if (!dissection.rest.empty()) {
-            char const* const label = dissection.fits ? "rest" : "parameters";
-            dissection.members.push_back({label, FieldValue::Kind::bytes, 0, dissection.rest});
-        }
-        addRow(sender, dissection.function, formText(dissection.kind), dissection.members);
+        auto const dissection = dissector_.dissect(sender, *frame);
+        addRow(sender, dissection.function, formText(dissection.kind), membersOf(dissection));
         if (dissection.encoded.encode() != bytes) { complain("encodes back to other bytes: " + hexText(bytes)); }
     }
 
     void addRow(Side sender, std::string const& function, char const* form, FieldValues const& members) {
-        char const* const senderText = sender == Side::host ? "host" : "module";
-        std::string text;
         Json::Value json;
         json["line"] = static_cast<Json::UInt64>(number_);
-        json["sender"] = senderText;
+        json["sender"] = senderText(sender);
         json["function"] = function;
         json["form"] = form;
         json["members"] = Json::objectValue;
-        for (auto const& member : members) {
-            text += (text.empty() ? "" : " ") + member.name + '=' + valueText(member);
-            json["members"][member.name] = valueJson(member);
-        }
-        displayRow(rows_, senderText, function, form, text);
+        for (auto const& member : members) { json["members"][member.name] = valueJson(member); }
+        displayRow(rows_, senderText(sender), function, form, membersText(members));
         Json::StreamWriterBuilder builder;
         builder["indentation"] = "";
         json_ += (json_.empty() ? "" : "\n") + Json::writeString(builder, json);
@@ -217,6 +178,7 @@ public:
             text.erase(std::min(text.find('#'), text.size()));
             if (text.find_first_not_of(" \t\r") != std::string::npos) { listing.add(number, text); }
         }
+        output.titles({"Sender", "Function", "Form", "Members"});
         output.show(listing.rows(), listing.json());
         return listing.isGood() ? ExitCode::ok : ExitCode::protocolError;
     }

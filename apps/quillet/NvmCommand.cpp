@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/defaultLineLimit.h"
 #include "apps/quillet/Command.h"
+#include "apps/quillet/Conversation.h"
+#include "apps/quillet/MessageCommand.h"
+#include "apps/quillet/NewFile.h"
+#include "apps/quillet/confirm.h"
 
 #include "platform/libtransport/SerializerError.h"
 #include "platform/libtransport/hexDigits.h"
@@ -9,6 +13,9 @@
 #include "zwave/libquillet/ManageNvmMsg.h"
 
 #include <CLI/CLI.hpp>
+
+#include <boost/make_shared.hpp>
+
 #include <json/value.h>
 #include <json/writer.h>
 
@@ -16,8 +23,11 @@
 #include <cstdint>
 #include <iostream>
 #include <iterator>
+#include <map>
+#include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zorv {
@@ -131,7 +141,7 @@ private:
 /// What `nvm check` shows of a backup file.
 class BackupCheck {
 public:
-    BackupCheck(std::string const& file, ZResult::Enum result, ManageNvmMsg const& message)
+    BackupCheck(std::string const& file, ZResult::Enum result, ManageNvmMsg const& message, bool hasTitles = true)
         : good_(result == ZResult::success) {
         json_["file"] = file;
         json_["result"] = toString(result);
@@ -139,7 +149,9 @@ public:
         json_["blobs"] = Json::Value(Json::arrayValue);
         json_["size"] = Json::UInt64(message.size());
         rows_ = {{"Result:", toString(result)}, {"Home id:", hexDigits(message.homeId(), 8)}};
-        if (!message.blobs().empty()) { rows_.push_back({"Blob", "Offset", "Size", "Checksum", "Contents"}); }
+        if (hasTitles && !message.blobs().empty()) {
+            rows_.push_back({"Blob", "Offset", "Size", "Checksum", "Contents"});
+        }
         for (auto const& blob : message.blobs()) { add(*blob); }
         rows_.push_back({"Total", "", std::to_string(message.size())});
         json_["good"] = good_;
@@ -181,22 +193,23 @@ private:
     Json::Value json_;
 };
 
-/// Works on NVM backup files; needs no daemon.
-class NvmCommand final : public Command {
+/// Shows what a backup file holds; needs no daemon.
+class NvmCheckCommand final : public Command {
 public:
     CLI::App* addTo(CLI::App& app) override {
-        auto* const nvm = app.add_subcommand("nvm", "Work on backups of the controller module's NVM");
-        nvm->require_subcommand(1);
-        auto* const check = nvm->add_subcommand("check", "Show what a backup file holds, and whether it is good");
+        auto* const check = app.add_subcommand("check", "Show what a backup file holds, and whether it is good");
         check->add_option("FILE", file_, "The backup file")->required()->type_name("");
-        return nvm;
+        return check;
     }
 
     ExitCode run(DaemonAddress const&, Output& output) override {
         ManageNvmMsg message;
         auto const result = message.read(file_);
-        BackupCheck const check(file_, result, message);
+        BackupCheck const check(file_, result, message, output.hasTitles());
         output.show(check.rows(), check.json());
+        if (result != ZResult::success) {
+            std::cerr << "quillet: " << printable(file_) << ": " << toString(result) << '\n';
+        }
         for (auto const& warning : check.warnings()) {
             std::cerr << "quillet: warning: " << printable(warning) << '\n';
         }
@@ -205,6 +218,90 @@ public:
 
 private:
     std::string file_;
+};
+
+/// Writes what the module's memory holds to a backup file.
+class NvmSaveCommand final : public Command {
+public:
+    CLI::App* addTo(CLI::App& app) override {
+        auto* const save = app.add_subcommand("save", "Save the module's memory to a file");
+        save->add_option("FILE", file_, "The backup file")->required()->type_name("");
+        save->add_flag("--force", mayReplace_, "Replace a file that is there");
+        return save;
+    }
+
+    ExitCode run(DaemonAddress const& daemon, Output& output) override {
+        NewFile file(file_, mayReplace_); // a folder that cannot be written is told before the long work
+        Conversation conversation(daemon, output, "nvm save");
+        Interruption const interruption{{}, "interrupted; the daemon ends it, nothing is written"};
+        auto const answer =
+            conversation.ask(ManageNvmMsg::create(ManageNvmOp::save), longestWork(daemon), interruption);
+        auto const* const backup = dynamic_cast<ManageNvmMsg const*>(answer.get());
+        if (backup != nullptr && Conversation::isGood(*answer)) { file.write(toText(*backup) + '\n'); }
+        return conversation.show(*answer);
+    }
+
+private:
+    std::string file_;
+    bool mayReplace_ = false;
+};
+
+/// Writes a backup file to the module's memory.
+class NvmRestoreCommand final : public Command {
+public:
+    CLI::App* addTo(CLI::App& app) override {
+        auto* const restore = app.add_subcommand("restore", "Write a backup file to the module's memory");
+        restore->add_option("FILE", file_, "The backup file")->required()->type_name("");
+        restore->add_flag("--yes", isConfirmed_, "Do not ask");
+        return restore;
+    }
+
+    ExitCode run(DaemonAddress const& daemon, Output& output) override {
+        auto const backup = boost::make_shared<ManageNvmMsg>(); // with an identity of its own
+        auto const result = backup->read(file_);
+        BackupCheck const check(file_, result, *backup);
+        if (!check.isGood()) {
+            auto const hint =
+                result == ZResult::success ? "a blob is damaged, \"quillet nvm check\" shows which" : toString(result);
+            throw ExitError(ExitCode::refused, file_ + ": " + hint);
+        }
+        if (!isConfirmed_) { confirm("a restore replaces all that the module knows"); }
+        Conversation conversation(daemon, output, "nvm restore");
+        auto const permit = conversation.ask(ManageNvmMsg::create(ManageNvmOp::authorize));
+        if (!Conversation::isGood(*permit)) { return conversation.show(*permit); }
+        backup->operation(ManageNvmOp::restore);
+        Interruption const interruption{{}, "interrupted; the daemon goes on with it"};
+        return conversation.show(*conversation.ask(backup, longestWork(daemon), interruption));
+    }
+
+private:
+    std::string file_;
+    bool isConfirmed_ = false;
+};
+
+/// The commands of the controller module's NVM.
+class NvmCommand final : public Command {
+public:
+    CLI::App* addTo(CLI::App& app) override {
+        auto* const nvm = app.add_subcommand("nvm", "Save, restore and check the controller module's memory (NVM)");
+        nvm->require_subcommand(1);
+        commands_.push_back(std::make_unique<NvmSaveCommand>());
+        commands_.push_back(std::make_unique<NvmRestoreCommand>());
+        commands_.push_back(std::make_unique<NvmCheckCommand>());
+        for (auto& command : makeNvmMessageCommands()) { commands_.push_back(std::move(command)); }
+        for (auto const& command : commands_) { byApp_.emplace(command->addTo(*nvm), command.get()); }
+        app_ = nvm;
+        return nvm;
+    }
+
+    ExitCode run(DaemonAddress const& daemon, Output& output) override {
+        return byApp_.at(app_->get_subcommands().front())->run(daemon, output);
+    }
+
+private:
+    CLI::App* app_ = nullptr;
+    std::vector<std::unique_ptr<Command>> commands_;
+    std::map<CLI::App const*, Command*> byApp_;
 };
 
 } // namespace

@@ -32,4 +32,15 @@ ZwaveAddress parseNode(std::string const& text) {
     return {homeId, static_cast<unsigned char>(nodeId)};
 }
 
+CLI::Validator isNode() {
+    return CLI::Validator(
+        [](std::string const& text) {
+            try {
+                parseNode(text);
+            } catch (std::invalid_argument const& error) { return std::string(error.what()); }
+            return std::string();
+        },
+        "");
+}
+
 } // namespace zorv

@@ -3,6 +3,8 @@
 
 #include "platform/libzorvshared/ZwaveAddress.h"
 
+#include <CLI/CLI.hpp>
+
 #include <string>
 
 namespace zorv {
@@ -11,5 +13,10 @@ namespace zorv {
 ///
 /// A std::invalid_argument for anything else.
 ZwaveAddress parseNode(std::string const& text);
+
+constexpr char const* nodeHelp = "Node id, 1 to 232, or a full address such as c0ffee01:5";
+
+/// Accepts what parseNode() reads.
+CLI::Validator isNode();
 
 } // namespace zorv

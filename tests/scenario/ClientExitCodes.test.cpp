@@ -88,13 +88,16 @@ int exitCode(unsigned short port, std::vector<std::string> const& arguments) {
 
 TEST(ClientExitCodes, SuccessIsZero) {
     DaemonProcess const daemon;
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 0);
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "c0ffee01:5"}), 0);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5", "--count", "1"}), 0);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "c0ffee01:5", "--count", "1"}), 0);
 }
 
 TEST(ClientExitCodes, HelpAndVersionAreZero) {
     EXPECT_EQ(exitCode(1, {"--help"}), 0);
     EXPECT_EQ(exitCode(1, {"ping", "--help"}), 0);
+    EXPECT_EQ(exitCode(1, {"help"}), 0);
+    EXPECT_EQ(exitCode(1, {"help", "nvm", "save"}), 0);
+    EXPECT_EQ(exitCode(1, {"help", "pong"}), 2);
     Process version({programPath("quillet"), "--version"});
     EXPECT_EQ(version.readLine(), "quillet 0.1.0");
     EXPECT_EQ(version.wait(), 0);
@@ -102,17 +105,17 @@ TEST(ClientExitCodes, HelpAndVersionAreZero) {
 
 TEST(ClientExitCodes, RefusalByTheDaemonIsOne) {
     DaemonProcess const daemon;
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "99"}), 1);
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "8"}), 1);
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "9"}), 1);
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "deadbeef:5"}), 1);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "99", "--count", "1"}), 1);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "8", "--count", "1"}), 1);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "9", "--count", "1"}), 1);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "deadbeef:5", "--count", "1"}), 1);
 }
 
 TEST(ClientExitCodes, RequestThatTheDaemonDoesNotKnowIsOne) {
     FakeDaemon const daemon([](TcpConnection& connection, std::string const& line) {
         connection.send(confirmationOf(line, ZResult::rejected));
     });
-    Process client(clientCommand(daemon.port(), {"ping", "5"}));
+    Process client(clientCommand(daemon.port(), {"ping", "5", "--count", "1"}));
     EXPECT_EQ(client.wait(), 1);
     EXPECT_EQ(client.errors(), "quillet: the daemon did not understand the request: rejected\n");
     EXPECT_TRUE(client.restOfOutput().empty());
@@ -163,7 +166,7 @@ TEST(ClientExitCodes, WrongUsageIsToldUnderTheProgramsName) {
 TEST(ClientExitCodes, NoDaemonIsThree) {
     unsigned short port = 0;
     { port = DaemonProcess().port(); }
-    Process client(clientCommand(port, {"ping", "5"}));
+    Process client(clientCommand(port, {"ping", "5", "--count", "1"}));
     EXPECT_EQ(client.wait(), 3);
     EXPECT_EQ(client.errors(), "quillet: cannot connect to 127.0.0.1 port " + std::to_string(port) + ": " +
                                    systemText(ECONNREFUSED) + "\n");
@@ -171,12 +174,12 @@ TEST(ClientExitCodes, NoDaemonIsThree) {
 
 TEST(ClientExitCodes, LostConnectionIsThree) {
     FakeDaemon const daemon([](TcpConnection& connection, std::string const&) { connection.close(); });
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 3);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5", "--count", "1"}), 3);
 }
 
 TEST(ClientExitCodes, NoAnswerInTimeIsFour) {
     FakeDaemon const daemon([](TcpConnection&, std::string const&) {});
-    Process client(clientCommand(daemon.port(), {"--timeout", "0.1", "--json", "ping", "5"}));
+    Process client(clientCommand(daemon.port(), {"--timeout", "0.1", "--json", "ping", "5", "--count", "1"}));
     EXPECT_THAT(client.readLine(), HasSubstr(R"("result_":"timeout")"));
     EXPECT_EQ(client.wait(), 4);
 }
@@ -201,15 +204,20 @@ TEST(ClientExitCodes, SeriesGoesOnAfterARefusal) {
     EXPECT_EQ(client.restOfOutput().size(), 3U);
 }
 
+TEST(ClientExitCodes, SeriesEndsWithItsLastAnswerWithoutWaitingForTheInterval) {
+    DaemonProcess const daemon;
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "1", "--count", "1", "--interval", "3600"}), 0);
+}
+
 TEST(ClientExitCodes, RubbishFromTheDaemonIsFive) {
     FakeDaemon const daemon([](TcpConnection& connection, std::string const&) { connection.send("rubbish"); });
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 5);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5", "--count", "1"}), 5);
 }
 
 TEST(ClientExitCodes, DaemonOfAnotherVersionIsFive) {
     FakeDaemon const daemon([](TcpConnection&, std::string const&) {},
                             R"({"__name__":"zorv::VersionMsg","protocolVersion_":"2.3"})");
-    Process client(clientCommand(daemon.port(), {"ping", "5"}));
+    Process client(clientCommand(daemon.port(), {"ping", "5", "--count", "1"}));
     EXPECT_EQ(client.wait(), 5);
     EXPECT_THAT(client.errors(),
                 HasSubstr("quillet: the daemon speaks protocol version 2.3, this client speaks 1.0\n"));
@@ -217,7 +225,7 @@ TEST(ClientExitCodes, DaemonOfAnotherVersionIsFive) {
 
 TEST(ClientExitCodes, DaemonThatDoesNotTellItsVersionFirstIsFive) {
     FakeDaemon const daemon([](TcpConnection& connection, std::string const& line) { connection.send(line); }, "");
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 5);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5", "--count", "1"}), 5);
 }
 
 TEST(ClientExitCodes, RefusedConnectionIsThree) {
@@ -225,7 +233,7 @@ TEST(ClientExitCodes, RefusedConnectionIsThree) {
         connection.send(R"({"__name__":"zorv::Confirmable","__bases__":[{"__name__":"zorv::TConfirmable",)"
                         R"("__bases__":[],"result_":"rejected"}]})");
     });
-    Process client(clientCommand(daemon.port(), {"ping", "5"}));
+    Process client(clientCommand(daemon.port(), {"ping", "5", "--count", "1"}));
     EXPECT_EQ(client.wait(), 3);
     EXPECT_EQ(client.errors(), "quillet: the daemon refused the connection: rejected\n");
 }
@@ -234,16 +242,17 @@ TEST(ClientExitCodes, AnswerOfAnotherClassIsFive) {
     FakeDaemon const daemon([](TcpConnection& connection, std::string const& line) {
         connection.send(confirmationOf(line, ZResult::success));
     });
-    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5"}), 5);
+    EXPECT_EQ(exitCode(daemon.port(), {"ping", "5", "--count", "1"}), 5);
 }
 
 TEST(ClientExitCodes, InterruptionIs130) {
     DaemonProcess const daemon;
-    Process client(clientCommand(daemon.port(), {"ping", "1", "--count", "1000", "--interval", "3600"}));
+    Process client(clientCommand(daemon.port(), {"ping", "1", "--interval", "3600"}));
     client.readLine(); // the titles
     client.readLine(); // the first ping
     client.signal(SIGINT);
     EXPECT_EQ(client.wait(), 130);
+    EXPECT_THAT(client.restOfOutput(), ElementsAre("1 sent, 1 answered, 0 lost; min/avg/max 0/0/0 ms"));
     EXPECT_EQ(client.errors(), "");
 }
 
@@ -251,7 +260,7 @@ TEST(ClientExitCodes, InterruptionDuringAPingIs130) {
     FakeDaemon const daemon([first = true](TcpConnection& connection, std::string const& line) mutable {
         if (std::exchange(first, false)) { connection.send(line); } // it is not an answer, so the client drops it
     });
-    Process client(clientCommand(daemon.port(), {"--timeout", "3600", "ping", "1"}));
+    Process client(clientCommand(daemon.port(), {"-v", "--timeout", "3600", "ping", "1"}));
     // The client is waiting when it has complained about that message.
     client.waitForError("nobody handles PingMsg");
     client.signal(SIGINT);
@@ -269,7 +278,8 @@ TEST(ClientExitCodes, ReaderThatClosesTheOutputEndsTheClientWithZero) {
 
 TEST(ClientExitCodes, OutputOnAFullDiskIsSix) {
     DaemonProcess const daemon;
-    Process client({"/bin/sh", "-c", "exec \"$0\" --port " + std::to_string(daemon.port()) + " ping 1 > /dev/full",
+    Process client({"/bin/sh", "-c",
+                    "exec \"$0\" --port " + std::to_string(daemon.port()) + " ping 1 --count 1 > /dev/full",
                     programPath("quillet")});
     EXPECT_EQ(client.wait(), 6);
     EXPECT_EQ(client.errors(), "quillet: cannot write the output: " + systemText(ENOSPC) + "\n");

@@ -4,6 +4,7 @@
 #include "platform/libtransport/readMessage.h"
 #include "zwave/libquillet/PingMsg.h"
 
+#include <linux/tcp.h> // not netinet/tcp.h, whose tcp_info is shorter
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -95,6 +96,13 @@ unsigned short LineClient::localPort() const {
     socklen_t size = sizeof address;
     ::getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
     return ntohs(address.sin_port);
+}
+
+unsigned int LineClient::receivedSegments() const {
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    if (::getsockopt(socket_, IPPROTO_TCP, TCP_INFO, &info, &size) != 0) { throw std::runtime_error("cannot ask"); }
+    return info.tcpi_data_segs_in;
 }
 
 void LineClient::endOutput() { ::shutdown(socket_, SHUT_WR); }

@@ -35,6 +35,9 @@ public:
 
     unsigned short localPort() const;
 
+    /// How many segments of data the system has got for this client.
+    unsigned int receivedSegments() const;
+
     /// Sends nothing any more, and reads on, as `nc -N` does.
     void endOutput();
 

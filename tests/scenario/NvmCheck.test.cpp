@@ -54,7 +54,7 @@ TEST_F(NvmCheck, FindsAFlippedCharacter) {
                                     "routes    4096      4     holds     good",     //
                                     "flipped   1         4     differs",            //
                                     "Total               8"));
-    EXPECT_THAT(errors_, HasSubstr("crc mismatch, the blob flipped is corrupt"));
+    EXPECT_EQ(errors_, "quillet: warning: there is no home id\n");
 }
 
 TEST_F(NvmCheck, FindsContentsThatCannotBeRestoredUnderAChecksumThatHolds) {
@@ -79,7 +79,7 @@ TEST_F(NvmCheck, AcceptsAnEmptyBlob) {
 TEST_F(NvmCheck, SaysWhyAFileIsNotABackup) {
     EXPECT_EQ(check(directory_.path("none.json")), 1);
     EXPECT_THAT(lines_, ElementsAre("Result:   fileNotFound", "Home id:  00000000", "Total                   0"));
-    EXPECT_THAT(errors_, HasSubstr("input file does not exist " + directory_.path("none.json")));
+    EXPECT_EQ(errors_, "quillet: " + directory_.path("none.json") + ": fileNotFound\n");
 
     EXPECT_EQ(check(directory_.write("backup.json", R"({"homeId_":1})")), 1);
     EXPECT_THAT(lines_, ElementsAre("Result:   noBlobs", "Home id:  00000001", "Total               0"));
@@ -104,7 +104,7 @@ TEST_F(NvmCheck, PrintsOneObjectWithJson) {
 TEST_F(NvmCheck, ShowsANameThatWouldSteerTheTerminalInHex) {
     auto const path = directory_.write(
         "backup.json", R"({"name_":"\u001b[2J\u009b1A","offset_":0,"size_":0,"crc_":1,"contents_":""})");
-    EXPECT_EQ(check(path), 1);
+    EXPECT_EQ(check(path, {"-v"}), 1);
     EXPECT_THAT(lines_, testing::Contains(R"(\x1b[2J\xc2\x9b1A  0         0     differs)"));
     EXPECT_THAT(errors_, HasSubstr(R"(the blob \x1b[2J\xc2\x9b1A is corrupt)"));
     EXPECT_EQ(check(path, {"--json"}), 1);

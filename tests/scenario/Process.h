@@ -61,7 +61,7 @@ private:
 /// The port that a daemon announces as it starts.
 unsigned short announcedPort(Process& daemon);
 
-/// The reference daemon on a free port.
+/// The daemon on a free port.
 class DaemonProcess : public Process {
 public:
     explicit DaemonProcess(std::vector<std::string> const& arguments = {});
