@@ -58,7 +58,7 @@ LoadClient::LoadClient(unsigned short port, std::size_t connections) : poll_(::e
     for (std::size_t i = 0; i < connections; ++i) {
         auto& connection = connections_.emplace_back();
         connection.socket = connectTo(port);
-        connection.request = lineOf(zorv::PingMsg(zorv::ZwaveAddress(0, 5)));
+        connection.request = lineOf(zorv::PingMsg(zorv::ZwaveAddress(0, 1)));
         sendAll(connection.socket, version);
         epoll_event event{};
         event.events = EPOLLIN;
@@ -112,7 +112,8 @@ Load LoadClient::run(std::chrono::milliseconds duration) {
         if (ready < 0 && errno != EINTR) { fail("epoll_wait"); }
         if (ready == 0) { throw std::runtime_error("the server is silent"); }
         for (int i = 0; i < ready; ++i) {
-            auto& connection = connections_[events.at(static_cast<std::size_t>(i)).data.u64];
+            auto const& event = events.at(static_cast<std::size_t>(i));
+            auto& connection = connections_[static_cast<std::size_t>(event.data.u64)];
             if (!receive(connection)) { continue; }
             auto const now = Clock::now();
             load.waits.push_back(std::chrono::duration<double, std::micro>(now - connection.sent).count());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Round trips per second through the daemon, and through a server that only sends lines back, for 1, 8, 64 and 512
-// clients that each wait for their answer before they ask again.
+// clients, or as many as asked for, that each wait for their answer before they ask again.
 //
 // The servers take turns, round by round, so that what else the machine does meets both. Each round is one JSON object
 // on standard output.
@@ -16,7 +16,10 @@
 #include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <unistd.h>
 
@@ -67,14 +70,22 @@ void measure(char const* name, bench::Server const& server, std::size_t connecti
 }
 
 int usage() {
-    std::fputs("Usage: bench-daemon ZWAVED ECHO ROUNDS MILLISECONDS\n", stderr);
+    std::fputs("Usage: bench-daemon ZWAVED ECHO ROUNDS MILLISECONDS [CONNECTIONS]...\n", stderr);
     return 2;
+}
+
+/// The numbers of clients that were asked for, or the usual ones.
+std::vector<std::size_t> connectionCounts(int count, char** texts) {
+    if (count == 0) { return {1, 8, 64, 512}; }
+    std::vector<std::size_t> counts;
+    std::transform(texts, texts + count, std::back_inserter(counts), [](char const* text) { return std::stoul(text); });
+    return counts;
 }
 
 } // namespace
 
 int main(int argc, char** argv) try {
-    if (argc != 5) { return usage(); }
+    if (argc < 5) { return usage(); }
     int const rounds = std::atoi(argv[3]);
     std::chrono::milliseconds const round(std::atoi(argv[4]));
     if (rounds < 1 || round < 1ms) { return usage(); }
@@ -87,7 +98,7 @@ int main(int argc, char** argv) try {
     bench::Server const daemon(
         {argv[1], "--port", "0", "--network", network.path(), "--log-level", "error", "--max-clients", "1024"});
     bench::Server const echo({argv[2]});
-    for (auto const connections : {1U, 8U, 64U, 512U}) {
+    for (auto const connections : connectionCounts(argc - 5, argv + 5)) {
         for (int i = 0; i < rounds; ++i) {
             measure("zwaved", daemon, connections, round);
             measure("echo", echo, connections, round);
