@@ -19,7 +19,7 @@ build: setup ## build everything
 
 programs: setup ## build the libraries and the programs
 	@cmake --preset $(PRESET)
-	@cmake --build --preset $(PRESET) --target quillet-program-zwaved quillet-program-quillet
+	@cmake --build --preset $(PRESET) --target quillet-program-zwaved quillet-program-zwavesim quillet-program-quillet
 
 run: programs ## build, then show the daemon and the client at work
 	@scripts/demo build/$(PRESET)

@@ -29,6 +29,13 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUILLET_SANITIZE)
     target_link_options(quillet_build_options INTERFACE LINKER:-Bsymbolic-functions)
 endif()
 
+# Half of a library's relocations only add where it was loaded: written as a bitmap they take a few hundred bytes.
+include(CheckLinkerFlag)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs QUILLET_PACKS_RELOCATIONS)
+if(QUILLET_PACKS_RELOCATIONS)
+    target_link_options(quillet_build_options INTERFACE LINKER:-z,pack-relative-relocs)
+endif()
+
 if(QUILLET_WARNINGS)
     target_compile_options(quillet_build_options INTERFACE
         -Wall -Wextra -Wpedantic

@@ -19,7 +19,7 @@ file(RELATIVE_PATH quillet_prefix_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "
 # The catalogue registers its messages as it is loaded. So the linker must keep it, even if the program calls nothing of
 # it. Of the other libraries, the linker keeps what the program needs.
 set(quillet_pc_libs "-Wl,--push-state,--no-as-needed -lquillet -Wl,--pop-state")
-foreach(library IN ITEMS message_bus io zwaved zorvshared transport zorvcrypto zorvlogger)
+foreach(library IN ITEMS client message_bus io zwaved zorvshared transport zorvcrypto zorvlogger)
     string(APPEND quillet_pc_libs " -l${library}")
 endforeach()
 configure_file(cmake/quillet.pc.in "${PROJECT_BINARY_DIR}/quillet.pc" @ONLY)

@@ -93,6 +93,17 @@ function(quillet_program name)
     install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
 endfunction()
 
+# quillet_manual(<name> <section> <program> <argument> COMPONENT <component>)
+#
+# The manual page <name>(<section>), which the target <program> writes when it is called with the argument.
+function(quillet_manual name section program argument)
+    cmake_parse_arguments(PARSE_ARGV 4 arg "" "COMPONENT" "")
+    set(page "${CMAKE_CURRENT_BINARY_DIR}/${name}.${section}")
+    add_custom_command(OUTPUT "${page}" COMMAND ${program} ${argument} > "${page}" DEPENDS ${program} VERBATIM)
+    add_custom_target(quillet-manual-${name} ALL DEPENDS "${page}")
+    install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${arg_COMPONENT})
+endfunction()
+
 # quillet_own_program(<name> <source>...)
 #
 # A program for the tree's own use, which is not installed. The CMake target is quillet-<name>, so that no target of a
@@ -119,7 +130,7 @@ function(quillet_tests folder)
     # GoogleMock's header takes longer to compile than most tests. The option lets a compiler cache serve them.
     target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
-    add_dependencies(${target} quillet quillet-program-zwaved quillet-program-quillet)
+    add_dependencies(${target} quillet quillet-program-zwaved quillet-program-zwavesim quillet-program-quillet)
     gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
         DISCOVERY_TIMEOUT 120
