@@ -8,6 +8,7 @@
 #include "apps/quillet/words.h"
 
 #include "platform/libio/EventLoop.h"
+#include "platform/libio/InputWatch.h"
 #include "platform/libzorvlogger/printable.h"
 #include "zwave/libquillet/ControlCommandMsg.h"
 #include "zwave/libquillet/NodeInformationMsg.h"
@@ -55,13 +56,20 @@ bool isOfInterest(TMessage const& event) {
            event.name() != NodeInformationMsg::NAME;
 }
 
+/// Ends the process as the signal does by default.
+void endBy(int signal) {
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
 class Interactive {
 public:
     explicit Interactive(ClientOptions options)
         : options_(std::move(options)),
-          signals_(loop_, {SIGINT, SIGWINCH},
+          signals_(loop_, {SIGINT, SIGWINCH, SIGTERM, SIGHUP},
                    [this](int signal) {
                        if (signal == SIGWINCH) { return editor_.resized(); }
+                       if (signal != SIGINT) { return terminate(signal); }
                        if (isRunning_) { return; } // it is the command that is interrupted
                        isInterrupted_ = true;
                        loop_.stop();
@@ -75,18 +83,22 @@ public:
         options_.loop = &loop_;
     }
 
+    /// The signal that ended run(); 0 for none.
+    int terminatedBy() const noexcept { return terminatedBy_; }
+
     ExitCode run() {
         std::cout << "quillet " QUILLET_VERSION " at " << toString(options_.place)
                   << "; \"help\" lists the commands, \"exit\" leaves" << std::endl;
         feed_.waitForStart(isInterrupted_);
         isInterrupted_ = false;
-        while (true) {
+        while (terminatedBy_ == 0) {
             showWaiting();
             auto const input = editor_.read();
             if (input.end == LineEditor::End::endOfInput) {
                 std::cout << std::endl;
                 return ExitCode::ok;
             }
+            if (terminatedBy_ != 0) { break; }
             if (input.end == LineEditor::End::interrupted) {
                 std::cout << "^C" << std::endl;
                 continue;
@@ -97,6 +109,7 @@ public:
             if (words == std::vector<std::string>{"exit"}) { return ExitCode::ok; }
             execute(std::move(words));
         }
+        return ExitCode::interrupted;
     }
 
 private:
@@ -115,18 +128,24 @@ private:
         isRunning_ = false;
     }
 
-    /// Serves the loop until there is a key, or the line is interrupted. The loop watches sockets and no terminals, so
-    /// the terminal is asked from time to time.
+    /// Serves the loop until there is a key, or the line is interrupted.
     bool waitForKey() {
-        constexpr std::chrono::milliseconds period{20};
         pollfd key{STDIN_FILENO, POLLIN, 0};
         isTyping_ = true;
         while (!isInterrupted_ && ::poll(&key, 1, 0) <= 0) {
-            Timer const next(loop_, period, [this] { loop_.stop(); });
+            InputWatch const next(loop_, STDIN_FILENO, [this] { loop_.stop(); });
             loop_.run();
         }
         isTyping_ = false;
         return !std::exchange(isInterrupted_, false);
+    }
+
+    /// A command has the terminal as it was before; the prompt gives it back first.
+    void terminate(int signal) {
+        if (isRunning_) { endBy(signal); }
+        terminatedBy_ = signal;
+        isInterrupted_ = true;
+        loop_.stop();
     }
 
     std::vector<std::string> complete(std::vector<std::string> const& words) {
@@ -165,6 +184,7 @@ private:
     bool isTyping_ = false;
     bool isRunning_ = false; ///< a command
     bool isInterrupted_ = false;
+    int terminatedBy_ = 0;             ///< a signal
     std::vector<std::string> waiting_; ///< said while a command ran
     std::size_t leftOut_ = 0;
     LineEditor editor_;
@@ -176,12 +196,18 @@ private:
 ExitCode runInteractively(ClientOptions const& options) {
     // The line editor counts characters by the locale; a name may hold any.
     if (std::setlocale(LC_CTYPE, "") == nullptr || MB_CUR_MAX == 1) { std::setlocale(LC_CTYPE, "C.UTF-8"); }
+    int terminatedBy = 0;
     try {
-        return Interactive(options).run();
+        Interactive interactive(options);
+        auto const code = interactive.run();
+        terminatedBy = interactive.terminatedBy();
+        if (terminatedBy == 0) { return code; }
     } catch (ExitError const& error) {
         std::cerr << "quillet: " << error.what() << std::endl;
         return error.code();
     }
+    endBy(terminatedBy); // with the terminal as it was
+    return ExitCode::interrupted;
 }
 
 } // namespace zorv

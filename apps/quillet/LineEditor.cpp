@@ -18,7 +18,8 @@ namespace zorv {
 
 namespace {
 
-constexpr int historySize = 1000; // lines
+constexpr int historySize = 1000;          // lines
+constexpr char endOfTransmission = '\x04'; // Ctrl-D
 
 std::string commonStart(std::vector<std::string> const& words) {
     auto start = words.front();
@@ -120,6 +121,8 @@ private:
             char byte = 0;
             auto const count = ::read(STDIN_FILENO, &byte, 1);
             if (count <= 0) { return static_cast<int>(count); }
+            // What the terminal makes of the end of input that was typed before the editor had it.
+            if (byte == '\0') { byte = endOfTransmission; }
             auto const used = std::mbrtowc(character, &byte, 1, &state);
             if (used == static_cast<std::size_t>(-2)) { continue; }
             if (used == static_cast<std::size_t>(-1)) {

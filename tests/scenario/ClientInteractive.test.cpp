@@ -8,9 +8,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
+#include <sstream>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -19,6 +23,17 @@ using namespace scenario;
 using namespace zorv;
 using testing::HasSubstr;
 using testing::Not;
+
+/// How often a process has waited for something so far.
+long timesWaited(pid_t process) {
+    std::istringstream status(readFile("/proc/" + std::to_string(process) + "/status"));
+    std::string const wanted = "voluntary_ctxt_switches:";
+    for (std::string word; status >> word;) {
+        long count = 0;
+        if (word == wanted && status >> count) { return count; }
+    }
+    throw std::runtime_error("no " + wanted);
+}
 
 /// A daemon at a Unix-domain socket, which it can come back to, and a client at a terminal.
 class ClientInteractive : public testing::Test {
@@ -246,6 +261,43 @@ TEST_F(ClientInteractive, InterruptionEndsTheWaitForADaemonThatIsSilent) {
     shell.type(key::interrupt);
     shell.waitFor(prompt);
     daemon_->signal(SIGCONT);
+}
+
+TEST_F(ClientInteractive, TerminationGivesTheTerminalBack) {
+    for (auto const signal : {SIGTERM, SIGHUP}) {
+        auto const shell = client();
+        shell->type("rub");
+        shell->waitFor("rub");
+        EXPECT_FALSE(shell->editsLines());
+        shell->signal(signal);
+        EXPECT_EQ(shell->wait(), 128 + signal);
+        EXPECT_TRUE(shell->editsLines());
+    }
+}
+
+TEST_F(ClientInteractive, TerminationEndsACommandAsWell) {
+    auto const shell = client();
+    shell->type("ping 33 --interval 3600\r");
+    shell->waitFor("00000000:33");
+    shell->signal(SIGTERM);
+    EXPECT_EQ(shell->wait(), 128 + SIGTERM);
+    EXPECT_TRUE(shell->editsLines());
+}
+
+TEST_F(ClientInteractive, EndOfInputThatIsTypedBeforeThePromptLeaves) {
+    daemon_->signal(SIGSTOP); // so that the prompt waits
+    TerminalProcess shell({programPath("quillet"), "--socket", socket_}, 80, {"XDG_STATE_HOME=" + directory_.path()});
+    shell.waitFor("\"exit\" leaves");
+    shell.type(key::endOfInput);
+    daemon_->signal(SIGCONT);
+    EXPECT_EQ(shell.wait(), 0);
+}
+
+TEST_F(ClientInteractive, WaitsForKeysWithoutWork) {
+    auto const shell = client();
+    auto const before = timesWaited(shell->pid());
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_LE(timesWaited(shell->pid()) - before, 3);
 }
 
 TEST_F(ClientInteractive, CommandWithoutADaemonSaysSoAndTheNextOneIsRead) {

@@ -5,6 +5,7 @@
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -68,6 +69,12 @@ void TerminalProcess::type(std::string const& keys) const {
 void TerminalProcess::resize(unsigned short columns) const {
     auto const size = sizeOf(columns);
     ::ioctl(terminal_, TIOCSWINSZ, &size);
+}
+
+bool TerminalProcess::editsLines() const {
+    termios settings{};
+    if (::tcgetattr(terminal_, &settings) != 0) { throw std::runtime_error("the terminal tells no settings"); }
+    return (settings.c_lflag & ICANON) != 0 && (settings.c_lflag & ECHO) != 0;
 }
 
 void TerminalProcess::signal(int signal) const { ::kill(pid_, signal); }

@@ -33,7 +33,12 @@ public:
     /// All that was shown so far, with what steers the terminal.
     std::string const& shown() const noexcept { return shown_; }
 
+    pid_t pid() const noexcept { return pid_; }
+
     void signal(int signal) const;
+
+    /// Lines are edited and shown by the terminal itself, as programs find it.
+    bool editsLines() const;
 
     /// Waits for the end of the process: its exit code, or 128 and the signal that ended it.
     int wait();
