@@ -4,7 +4,7 @@
 #include "apps/quillet/ExitCode.h"
 #include "apps/quillet/Output.h"
 
-#include "zwave/libclient/connectDaemon.h"
+#include "zwave/libclient/DaemonPlace.h"
 
 #include <chrono>
 #include <memory>

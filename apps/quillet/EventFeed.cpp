@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/quillet/EventFeed.h"
 
-#include "zwave/libclient/hearAll.h"
-#include "zwave/libquillet/protocolVersion.h"
+#include "zwave/libquillet/AddRemoveNodeMsg.h"
+#include "zwave/libquillet/NodeInformationMsg.h"
+#include "zwave/libquillet/ResetDefaultsMsg.h"
+
+#include <boost/pointer_cast.hpp>
 
 #include <chrono>
 #include <utility>
@@ -16,44 +19,29 @@ constexpr std::chrono::seconds retryTime{1};
 } // namespace
 
 EventFeed::EventFeed(EventLoop& loop, DaemonAddress const& daemon, Handlers handlers)
-    : loop_(loop), daemon_(daemon), handlers_(std::move(handlers)), bus_(loop, busHandlers()) {
-    hearAll(bus_, [this](TMessage const& message) { heard(message); });
-    connect();
+    : loop_(loop),
+      handlers_(std::move(handlers)),
+      timeout_(daemon.timeout),
+      client_(loop, daemon.place, clientHandlers(), {retryTime, retryTime, daemon.timeout}) {
+    client_.onEvery([this](TMessage const& message) { heard(message); });
 }
 
-MessageBus::Handlers EventFeed::busHandlers() {
-    MessageBus::Handlers handlers;
-    handlers.opening = [](PeerId, TMessage const& first) { return complaintAboutOpening(first); };
-    handlers.left = [this](PeerId, std::string const& reason) { lost("lost the connection to the daemon: " + reason); };
-    return handlers;
+ClientHandlers EventFeed::clientHandlers() {
+    return {[this] { connected(); }, [this](std::string const& reason) { lost(reason); },
+            [this](std::string const& reason) {
+                handlers_.changed(reason);
+                started();
+            }};
 }
 
-void EventFeed::connect() {
-    std::weak_ptr<bool> const alive = alive_;
-    ConnectHandlers handlers;
-    handlers.connected = [this, alive](TcpConnection connection) {
-        if (!alive.expired()) { open(std::move(connection)); }
-    };
-    handlers.failed = [this, alive](std::string const& reason) {
-        if (!alive.expired()) { lost("cannot connect to " + toString(daemon_.place) + ": " + reason); }
-    };
-    connectDaemon(loop_, daemon_.place, daemon_.timeout, std::move(handlers));
-}
-
-void EventFeed::open(TcpConnection connection) {
-    peer_ = bus_.attach(std::move(connection));
-    bus_.send(peer_, VersionMsg::create(protocolVersion));
-    auto const subscription = SubscribeMsg::create(false, std::string(MessageBus::everyEvent));
-    bus_.request(peer_, subscription, daemon_.timeout, [this](MessageBus::ConfirmablePtr const& answer) {
-        if (answer->result() != ZResult::success) { return; } // the connection is gone, or about to go
-        if (std::exchange(isLost_, false)) { handlers_.changed("connected again"); }
-    });
+void EventFeed::connected() {
+    if (std::exchange(isLost_, false)) { handlers_.changed("connected again"); }
     askForNodes();
 }
 
 void EventFeed::askForNodes() {
     auto const request = NodeInformationMsg::create(GetNodesOp::get, DisplayOption::none, {});
-    bus_.request(peer_, request, daemon_.timeout, [this](MessageBus::ConfirmablePtr const& answer) {
+    client_.request(request, timeout_, [this](Client::Answer const& answer) {
         started();
         auto const known = boost::dynamic_pointer_cast<NodeInformationMsg>(answer);
         if (!known || known->result() != ZResult::success) { return; }
@@ -83,7 +71,6 @@ void EventFeed::heard(TMessage const& message) {
 void EventFeed::lost(std::string const& reason) {
     if (!std::exchange(isLost_, true)) { handlers_.changed(reason + "; trying again"); }
     started();
-    retry_ = Timer(loop_, retryTime, [this] { connect(); });
 }
 
 } // namespace zorv

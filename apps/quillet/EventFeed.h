@@ -4,17 +4,15 @@
 #include "apps/quillet/Command.h"
 
 #include "platform/libio/EventLoop.h"
-#include "platform/libmessage_bus/MessageBus.h"
+#include "zwave/libclient/Client.h"
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace zorv {
 
-/// A connection that hears of the daemon's events as long as it lives: where it is lost, it is made again, and what was
-/// subscribed to is subscribed to again.
+/// Hears of the daemon's events as long as it lives, and knows the nodes.
 class EventFeed {
 public:
     struct Handlers {
@@ -35,24 +33,20 @@ public:
     std::vector<std::string> const& nodes() const noexcept { return nodes_; }
 
 private:
-    MessageBus::Handlers busHandlers();
-    void connect();
-    void open(TcpConnection connection);
+    ClientHandlers clientHandlers();
+    void connected();
     void heard(TMessage const& message);
     void lost(std::string const& reason);
     void askForNodes();
     void started();
 
     EventLoop& loop_;
-    DaemonAddress daemon_;
     Handlers handlers_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>();
-    MessageBus bus_;
-    PeerId peer_{};
-    Timer retry_;
+    std::chrono::milliseconds timeout_;
     bool isStarted_ = false;
     bool isLost_ = false; ///< and the user knows
     std::vector<std::string> nodes_;
+    Client client_;
 };
 
 } // namespace zorv

@@ -5,9 +5,8 @@
 #include "apps/quillet/ExitCode.h"
 
 #include "platform/libio/EventLoop.h"
-#include "platform/libmessage_bus/MessageBus.h"
 #include "platform/libzorvshared/ZResult.h"
-#include "zwave/libquillet/Confirmable.h"
+#include "zwave/libclient/DaemonConnection.h"
 
 #include <boost/shared_ptr.hpp>
 
@@ -43,7 +42,7 @@ public:
                  std::function<void(Confirmable const& answer)> answered);
 
     /// Sends a message that gets no answer, without waiting.
-    void tell(boost::shared_ptr<TMessage> const& message) { bus_.send(daemon_, message); }
+    void tell(boost::shared_ptr<TMessage> const& message) { connection_.tell(message); }
 
     /// Sends a message that gets no answer, and waits until it has gone. The connection ends with it.
     void tellLast(boost::shared_ptr<TMessage> const& message);
@@ -67,10 +66,8 @@ public:
     void pause(std::chrono::milliseconds duration);
 
 private:
-    MessageBus::Handlers busHandlers();
-    void connect(DaemonAddress const& address);
-    void open(TcpConnection connection);
-    std::string judgeOpening(TMessage const& first);
+    DaemonConnection::Handlers connectionHandlers();
+    void ended(ConnectionEnd how, std::string const& reason);
     void interrupt();
     void call(std::function<void()> const& work);
     void tickLater();
@@ -83,12 +80,10 @@ private:
     bool isLeaving_ = false; ///< the end of the connection is what is waited for
     std::unique_ptr<EventLoop> ownLoop_;
     EventLoop& loop_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>();
     SignalWatch interrupt_;
     std::function<void()> tick_;
     Timer nextTick_;
-    MessageBus bus_;
-    PeerId daemon_{};
+    DaemonConnection connection_;
 };
 
 } // namespace zorv

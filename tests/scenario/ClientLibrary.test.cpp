@@ -173,7 +173,7 @@ TEST_F(ClientLibrary, FutureOfAClientThatGoesIsBroken) {
 
 TEST_F(ClientLibrary, TakesUpItsConnectionAndItsSubscriptionsAgain) {
     Other other(loop_);
-    Client client(loop_, other.place(), log_.handlers(), {5ms, 20ms});
+    Client client(loop_, other.place(), log_.handlers(), {5ms, 20ms, 10s});
     client.on<CommandClassMsg>([](auto const&) {});
     client.on<DeviceStatusMsg>([](auto const&) {});
     run();
@@ -207,7 +207,7 @@ TEST_F(ClientLibrary, WaitsForADaemonThatIsNotThereYet) {
         EventLoop unused;
         place = Other(unused).place();
     }
-    Client const client(loop_, place, log_.handlers(), {5ms, 20ms});
+    Client const client(loop_, place, log_.handlers(), {5ms, 20ms, 10s});
     run();
     run();
     EXPECT_THAT(log_.entries, ElementsAre("lost", "lost"));
@@ -284,7 +284,7 @@ TEST_F(ClientLibrary, TakesNoOtherAnswerThanARejection) {
 
 TEST_F(ClientLibrary, LeavesADaemonOfAnotherVersion) {
     Other other(loop_, "2.0");
-    Client const client(loop_, other.place(), log_.handlers(), {1ms, 1ms});
+    Client const client(loop_, other.place(), log_.handlers(), {1ms, 1ms, 10s});
     run();
     Timer const later(loop_, 100ms, [this] { loop_.stop(); });
     run();
@@ -293,7 +293,7 @@ TEST_F(ClientLibrary, LeavesADaemonOfAnotherVersion) {
 
 TEST_F(ClientLibrary, LeavesWhatIsNoDaemon) {
     Other other(loop_, "");
-    Client const client(loop_, other.place(), log_.handlers(), {1ms, 1ms});
+    Client const client(loop_, other.place(), log_.handlers(), {1ms, 1ms, 10s});
     while (!other.peer) {
         Timer const soon(loop_, 1ms, [this] { loop_.stop(); });
         run();
@@ -306,13 +306,58 @@ TEST_F(ClientLibrary, LeavesWhatIsNoDaemon) {
 TEST_F(ClientLibrary, LeavesADaemonWithoutTheEvents) {
     Other other(loop_);
     other.subscription = ZResult::rejected;
-    Client client(loop_, other.place(), log_.handlers(), {1ms, 1ms});
+    Client client(loop_, other.place(), log_.handlers(), {1ms, 1ms, 10s});
     client.on<CommandClassMsg>([](auto const&) {});
     run();
     Timer const later(loop_, 100ms, [this] { loop_.stop(); });
     run();
     EXPECT_THAT(log_.entries, ElementsAre("refused: the daemon does not have the events that were subscribed to"));
     EXPECT_EQ(other.bus().peerCount(), 0U);
+}
+
+TEST_F(ClientLibrary, TakesTheDaemonsRefusalAsItsLastWord) {
+    Other other(loop_);
+    Client const client(loop_, other.place(), log_.handlers(), {1ms, 1ms, 10s});
+    run();
+    other.bus().send(*other.peer, boost::make_shared<Confirmable>(ZResult::rejected));
+    other.bus().disconnectAll("refused");
+    run();
+    Timer const later(loop_, 100ms, [this] { loop_.stop(); });
+    run();
+    EXPECT_THAT(log_.entries, ElementsAre("connected", "refused: the daemon refused the connection: rejected"));
+    EXPECT_FALSE(client.isConnected());
+    EXPECT_EQ(other.bus().peerCount(), 0U);
+}
+
+TEST_F(ClientLibrary, TriesAgainWhereTheDaemonTellsNoVersionInTime) {
+    Other other(loop_, "");
+    Client const client(loop_, other.place(), log_.handlers(), {1ms, 1ms, 20ms});
+    run();
+    run();
+    EXPECT_THAT(log_.entries, ElementsAre("lost", "lost"));
+}
+
+TEST_F(ClientLibrary, TriesAgainWhereTheSubscriptionIsNotAnsweredInTime) {
+    Other other(loop_);
+    other.bus().handle<SubscribeMsg>([](auto const&, PeerId) {});
+    Client client(loop_, other.place(), log_.handlers(), {1ms, 1ms, 20ms});
+    client.on<DeviceStatusMsg>([](auto const&) {});
+    run();
+    run();
+    EXPECT_THAT(log_.entries, ElementsAre("lost", "lost"));
+}
+
+TEST_F(ClientLibrary, HearsOfEveryEvent) {
+    Other other(loop_);
+    Client client(loop_, other.place(), log_.handlers());
+    client.onEvery([this](TMessage const& event) { log_.add(event.name()); });
+    run();
+    EXPECT_THAT(other.subscribed, ElementsAre("*"));
+    other.bus().send(*other.peer, boost::make_shared<DeviceStatusMsg>());
+    run();
+    other.bus().send(*other.peer, boost::make_shared<CommandClassMsg>());
+    run();
+    EXPECT_THAT(log_.entries, ElementsAre("connected", "DeviceStatusMsg", "CommandClassMsg"));
 }
 
 TEST_F(ClientLibrary, GoesWhileItConnects) {

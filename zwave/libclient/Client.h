@@ -3,8 +3,7 @@
 
 #include "platform/Export.h"
 #include "platform/libio/EventLoop.h"
-#include "platform/libmessage_bus/MessageBus.h"
-#include "zwave/libclient/connectDaemon.h"
+#include "zwave/libclient/DaemonConnection.h"
 #include "zwave/libquillet/Confirmable.h"
 
 #include <boost/shared_ptr.hpp>
@@ -13,7 +12,6 @@
 #include <functional>
 #include <future>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <type_traits>
@@ -35,26 +33,27 @@ struct ClientHandlers {
     std::function<void(std::string const& reason)> refused;
 };
 
-/// How long a client waits until it tries again to connect: at first, then twice as long each time.
-struct ClientRetry {
-    std::chrono::milliseconds first = std::chrono::milliseconds(250);
-    std::chrono::milliseconds longest = std::chrono::seconds(8);
+/// How long a client waits.
+struct ClientTiming {
+    /// Until it tries again to connect: at first, then twice as long each time.
+    std::chrono::milliseconds firstRetry = std::chrono::milliseconds(250);
+    std::chrono::milliseconds longestRetry = std::chrono::seconds(8);
+
+    /// For a connection, for the daemon's version and for the answer to a subscription.
+    std::chrono::milliseconds opening = std::chrono::seconds(10);
 };
 
 /// A client of the daemon, such as a device agent: it connects, asks, and hears of events.
 ///
-/// A connection that cannot be made or gets lost is tried again, and what was subscribed to is subscribed
-/// to again each time. All handlers are called by
-/// the event loop. A client belongs to its loop's thread, but for the request that gives a future.
+/// A connection that cannot be made or gets lost is tried again, and what was subscribed to is subscribed to again each
+/// time. All handlers are called by the event loop. A client belongs to its loop's thread, but for the request that
+/// gives a future.
 class ZORV_EXPORT Client {
 public:
-    using Answer = boost::shared_ptr<Confirmable>;
+    using Answer = DaemonConnection::Answer;
     using Answered = std::function<void(Answer const& answer)>;
 
-    /// How long a connection, the daemon's version and the answer to a subscription may take.
-    static constexpr std::chrono::seconds openingTime{10};
-
-    Client(EventLoop& loop, DaemonPlace place, ClientHandlers handlers = {}, ClientRetry retry = {});
+    Client(EventLoop& loop, DaemonPlace place, ClientHandlers handlers = {}, ClientTiming timing = {});
     ~Client();
 
     Client(Client const&) = delete;
@@ -76,17 +75,19 @@ public:
     /// Subscribes to the messages of the class `Event`, and has `heard` called with each that comes unasked.
     template <class Event> void on(std::function<void(boost::shared_ptr<Event> const& event)> heard) {
         static_assert(!std::is_same_v<Event, VersionMsg>, "each side tells its version once, and that is judged");
-        bus_.listen<Event>([heard = std::move(heard)](boost::shared_ptr<Event> const& event, PeerId) { heard(event); });
+        connection_.listen<Event>(std::move(heard));
         subscribe(Event::NAME);
     }
 
-private:
-    enum class State { connecting, opening, subscribing, connected, waiting, refused };
+    /// The same for every event that there is, in place of what was called before.
+    void onEvery(std::function<void(TMessage const& event)> const& heard);
 
-    MessageBus::Handlers busHandlers();
+private:
+    enum class State { opening, subscribing, connected, waiting, refused };
+
+    DaemonConnection::Handlers connectionHandlers();
+    void ended(ConnectionEnd end, std::string const& reason);
     void connect();
-    void open(TcpConnection connection);
-    std::string judgeOpening(TMessage const& first);
     void subscribe(std::string const& event);
     void subscribeToAll();
     void begin();
@@ -96,16 +97,14 @@ private:
     void refused(std::string const& reason);
 
     EventLoop& loop_;
-    DaemonPlace place_;
     ClientHandlers handlers_;
-    ClientRetry retry_;
+    ClientTiming timing_;
     std::chrono::milliseconds nextWait_;
-    State state_ = State::connecting;
+    State state_ = State::opening;
     std::set<std::string> events_;
-    std::optional<PeerId> daemon_;
     std::shared_ptr<bool> alive_; ///< outlives this object in what is called later
     Timer nextTry_;
-    MessageBus bus_;
+    DaemonConnection connection_;
 };
 
 } // namespace zorv
