@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "apps/commandLine.h"
 #include "apps/quillet/Command.h"
 #include "apps/quillet/CommandLine.h"
 
@@ -17,12 +18,14 @@ namespace {
 class HelpCommand final : public Command {
 public:
     CLI::App* addTo(CLI::App& app) override {
+        app_ = &app;
         auto* const command = app.add_subcommand("help", "Show all commands, or the options of one");
         command->add_option("COMMAND", words_, "Command to explain, such as nvm save")->type_name("");
         return command;
     }
 
     ExitCode run(DaemonAddress const&, Output&) override {
+        checkWords();
         ClientOptions options;
         auto words = words_;
         words.emplace_back("--help");
@@ -37,6 +40,24 @@ public:
     }
 
 private:
+    /// The parser overlooks what is unknown before --help.
+    void checkWords() const {
+        auto const* level = app_;
+        for (auto const& word : words_) {
+            std::vector<std::string> known;
+            CLI::App const* next = nullptr;
+            for (auto const* const each : level->get_subcommands({})) {
+                known.push_back(each->get_name());
+                if (each->check_name(word)) { next = each; }
+            }
+            if (next == nullptr) {
+                throw ExitError(ExitCode::usage, "unknown command \"" + word + '"' + suggest(word, known));
+            }
+            level = next;
+        }
+    }
+
+    CLI::App const* app_ = nullptr;
     std::vector<std::string> words_;
 };
 

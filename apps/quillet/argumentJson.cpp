@@ -31,6 +31,12 @@ std::vector<std::string> split(std::string const& text, char separator) {
     return parts;
 }
 
+std::string list(std::vector<std::string> const& words) {
+    std::string text;
+    for (auto const& word : words) { text += (text.empty() ? "" : ", ") + word; }
+    return text;
+}
+
 Json::Value framed(Serializable const& object) {
     Json::Value value;
     auto const text = toText(object);
@@ -54,7 +60,9 @@ Json::Value texts(TypeDescriptor const& type, std::string const& text) {
     for (auto const& each : type.texts) { known.push_back(each.text); }
     for (auto const& part : type.kind == Kind::flagSet ? split(text, '|') : std::vector<std::string>{text}) {
         if (std::find(known.begin(), known.end(), part) == known.end()) {
-            throw std::invalid_argument("unknown " + type.name + " \"" + part + '"' + suggest(part, known));
+            auto const nearest = suggest(part, known);
+            throw std::invalid_argument("unknown " + type.name + " \"" + part + '"' +
+                                        (nearest.empty() ? "; it is one of " + list(known) : nearest));
         }
     }
     return text;

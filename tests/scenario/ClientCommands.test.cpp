@@ -212,6 +212,8 @@ TEST_F(ClientCommands, NodesShowsTheTableThatIsAskedFor) {
     EXPECT_THAT(lines_[0], HasSubstr("Repeater"));
     EXPECT_EQ(run({"nodes", "--view", "stats"}), usage);
     EXPECT_THAT(errors_, StartsWith("quillet: --view: unknown DisplayOption \"stats\"; did you mean \"status\"?\n"));
+    EXPECT_EQ(run({"learn", "xyzzy"}), usage);
+    EXPECT_THAT(errors_, StartsWith("quillet: MODE: unknown LearnMode \"xyzzy\"; it is one of disabled, classic, "));
 }
 
 TEST_F(ClientCommands, NodeShowsOneNode) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/scenario/Process.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/firmwareImage.h"
 #include "tests/testPaths.h"
 
 #include "platform/libtransport/readMessage.h"
@@ -35,7 +36,14 @@ struct Example {
     bool needsDaemon = true;   ///< so that it is 3 without one
     bool showsMessages = true; ///< as lines of JSON that decode reads
     bool showsAnything = true;
+    std::string network = {}; ///< that it takes, where the usual one will not do
 };
+
+constexpr char const* alone =
+    R"({"homeId": "c0ffee01", "nodes": [], "otherNetwork": {"homeId": "deadbeef", "node": 7, "afterMs": 1}})";
+constexpr char const* secondary =
+    R"({"homeId": "c0ffee01", "module": {"secondaryTo": 2}, "nodes": [{"id": 2, "latencyMs": 1}]})";
+constexpr char const* older = R"({"homeId": "c0ffee01", "module": {"generation": "500"}, "nodes": []})";
 
 /// One example of each command, by its first words.
 std::map<std::string, Example> examples(TemporaryDirectory const& directory) {
@@ -52,16 +60,16 @@ std::map<std::string, Example> examples(TemporaryDirectory const& directory) {
         {"status", {{"status"}, {"status", "x"}, 2}},
         {"include", {{"include"}, {"include", "--timeout", "0"}, 2}},
         {"exclude", {{"exclude"}, {"exclude", "x"}, 2}},
-        {"learn", {{}, {"learn", "x"}, 2}}, // nobody else is there to join
+        {"learn", {{"learn", "classic"}, {"learn", "x"}, 2, true, true, true, alone}},
         {"reset", {{"reset", "--yes"}, {"reset"}, 2}},
         {"send", {{"send", "2", "25", "02"}, {"send", "99", "25", "02"}, 1}},
         {"nif", {{"nif", "2"}, {"nif", "x"}, 2}},
         {"failed", {{"failed", "9", "remove", "--yes"}, {"failed", "2", "remove", "--yes"}, 1}},
         {"neighbors", {{"neighbors", "2"}, {"neighbors", "99"}, 1}},
-        {"update", {{}, {"update"}, 1}}, // the controller is itself the one that would be asked
+        {"update", {{"update"}, {"update"}, 1, true, true, true, secondary}}, // others have nobody to ask
         {"interview", {{"interview", "2"}, {"interview", "99"}, 1}},
-        {"firmware", {{}, {"firmware", "us"}, 2}}, // a daemon without firmware has none to install
-        {"watch", {{}, {"watch", "x"}, 2}},        // live views have tests of their own
+        {"firmware", {{"firmware", "EU", "--yes"}, {"firmware", "us"}, 2, true, true, true, older}},
+        {"watch", {{}, {"watch", "x"}, 2}}, // live views have tests of their own
         {"observe", {{}, {"observe", "x"}, 2}},
         {"trace", {{}, {"trace", "x"}, 2}},
         {"quit", {{"quit"}, {"quit", "x"}, 2, true, false, false}},
@@ -91,9 +99,16 @@ protected:
         return code;
     }
 
-    std::unique_ptr<DaemonProcess> daemon() const {
-        return std::make_unique<DaemonProcess>(
-            Words{"--network", network_, "--listen", "127.0.0.1", "--listen", "unix:" + socket_});
+    /// A daemon with the usual network, or with another one.
+    std::unique_ptr<DaemonProcess> daemon(std::string const& network = {}) const {
+        auto const file = network.empty() ? network_ : directory_.write("other-network.json", network);
+        return std::make_unique<DaemonProcess>(Words{"--network", file, "--firmware-dir", firmware_, "--listen",
+                                                     "127.0.0.1", "--listen", "unix:" + socket_});
+    }
+
+    void SetUp() override {
+        auto const image = firmwareImage("Z-Wave 7.99", 512);
+        directory_.write("EU.bin", {image.begin(), image.end()});
     }
 
     /// The subcommands that a help text lists.
@@ -113,20 +128,21 @@ protected:
     }
 
     void expectGood(std::string const& name, Example const& example) {
-        auto const isDestroying = example.words.back() == "--yes" || name == "quit";
+        auto const isDestroying = example.words.back() == "--yes" || name == "quit" || !example.network.empty();
         std::unique_ptr<DaemonProcess> running;
         for (auto const* const form : {"table", "wide", "json"}) {
             // What one destroys, the next one needs.
             if (!running || isDestroying) {
                 running.reset();
-                running = daemon();
+                running = daemon(example.network);
                 if (name == "nvm restore") { ASSERT_EQ(run({"nvm", "save", example.words[2], "--force"}), 0); }
             }
             auto words = example.words;
             words.insert(words.begin(), {"--output", form});
             EXPECT_EQ(run(words), 0) << name << ' ' << form << ' ' << errors_;
             if (example.showsAnything) { EXPECT_THAT(lines_, Not(IsEmpty())) << name; }
-            if (std::string(form) == "json") { expectJson(name, example.showsMessages); }
+            bool const isJson = std::string(form) == "json" && name != "help"; // which is for people
+            if (isJson) { expectJson(name, example.showsMessages); }
             if (name == "include" || name == "exclude") { running.reset(); }
         }
     }
@@ -145,6 +161,7 @@ protected:
         "module": {"nvmSize": 16384}, "nodes": [{"id": 2, "latencyMs": 1}, {"id": 3, "latencyMs": 1},
         {"id": 9, "state": "dead"}], "joining": [{"afterMs": 1, "latencyMs": 1}],
         "leaving": [{"node": 3, "afterMs": 1}]})");
+    std::string firmware_ = directory_.path();
     std::string socket_ = directory_.path("socket");
     Words lines_;
     std::string errors_;
