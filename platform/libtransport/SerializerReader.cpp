@@ -361,8 +361,9 @@ std::string_view Serializer::nextText(std::string_view key) const {
     auto const* const first = key.empty() ? at(stack_.back().next) : valueOfNext(key);
     if (first == nullptr || *first != '"') { return {}; }
     auto const size = std::min(static_cast<std::size_t>(end_ - first) - 1, limits::longestShort + 1);
-    auto const* const last = scan::findQuoteOrEscape(first + 1, first + 1 + size);
-    return *last == '"' ? between(first + 1, last) : std::string_view();
+    auto const* const limit = first + 1 + size;
+    auto const* const last = scan::findQuoteOrEscape(first + 1, limit);
+    return last != limit && *last == '"' ? between(first + 1, last) : std::string_view();
 }
 
 void Serializer::passText(std::string_view text) { goOn(text.data() + text.size() + 1); }

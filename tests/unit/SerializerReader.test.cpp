@@ -6,8 +6,11 @@
 #include "tests/support/errorOf.h"
 #include "tests/support/golden.h"
 #include "tests/support/json.h"
+#include "zwave/libquillet/ManageNvmMsg.h"
 
+#include "zwave/libquillet/ManageNvmMsg.h"
 #include <gmock/gmock.h>
+
 #include <gtest/gtest.h>
 
 #include <boost/asio/ip/tcp.hpp>
@@ -108,6 +111,13 @@ TEST(SerializerReader, RefusesValuesOfAnotherType) {
 TEST(SerializerReader, ReadsStringsWithTheirEscapes) {
     EXPECT_EQ(read<std::string>(R"("a\"b\\c\/\b\f\n\r\t")"), "a\"b\\c/\b\f\n\r\t");
     EXPECT_EQ(read<std::string>(R"("\u00e9\u20AC\ud83d\ude00")"), "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+}
+
+TEST(SerializerReader, ReadsWhatStandsBehindATextOfAnyLength) {
+    for (std::size_t length = 0; length < 200; ++length) {
+        auto const text = toText(Blob(std::string(length, 'n'), 1, 2, 3, std::string(100, 'c')));
+        EXPECT_EQ(toText(*readSerializable(text)), text) << length;
+    }
 }
 
 TEST(SerializerReader, ANulInAStringRoundTrips) {
