@@ -4,51 +4,9 @@
 // understand.
 // The lists began as a copy of the declarations. They show that nothing changes by accident, not that it was right.
 
-#include "platform/libtransport/MessageRole.h"
-#include "platform/libtransport/Priority.h"
-#include "platform/libtransport/TResult.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
-#include "platform/libzorvshared/BasicDeviceType.h"
-#include "platform/libzorvshared/Capability.h"
-#include "platform/libzorvshared/CommandClassAttribs.h"
-#include "platform/libzorvshared/CommandClassType.h"
-#include "platform/libzorvshared/ControllerCapabilities.h"
-#include "platform/libzorvshared/ControllerRole.h"
-#include "platform/libzorvshared/DeviceLights.h"
-#include "platform/libzorvshared/DeviceNetworkStatus.h"
-#include "platform/libzorvshared/DeviceStatus.h"
-#include "platform/libzorvshared/GenericDeviceType.h"
-#include "platform/libzorvshared/LearnMode.h"
-#include "platform/libzorvshared/LearnModeStatus.h"
-#include "platform/libzorvshared/ManufacturerId.h"
-#include "platform/libzorvshared/ModuleType.h"
-#include "platform/libzorvshared/ObserveAction.h"
-#include "platform/libzorvshared/ObserveDirection.h"
-#include "platform/libzorvshared/RequestNeighborUpdateStatus.h"
-#include "platform/libzorvshared/RequestNetworkUpdateStatus.h"
-#include "platform/libzorvshared/Security.h"
-#include "platform/libzorvshared/SecurityStatus.h"
-#include "platform/libzorvshared/SocketActor.h"
-#include "platform/libzorvshared/SpecificDeviceType.h"
-#include "platform/libzorvshared/SystemStatus.h"
-#include "platform/libzorvshared/TransmitOption.h"
-#include "platform/libzorvshared/WakeStatus.h"
-#include "platform/libzorvshared/ZwApiCommand.h"
+#include "tests/support/enumerations.h"
 #include "tests/testPaths.h"
-#include "zwave/libquillet/AddRemoveNodeMsg.h"
-#include "zwave/libquillet/CommandClassMsg.h"
-#include "zwave/libquillet/ConfigurationMsg.h"
-#include "zwave/libquillet/ControlCommandMsg.h"
-#include "zwave/libquillet/ControllerInfoMsg.h"
-#include "zwave/libquillet/DaemonStatusMsg.h"
-#include "zwave/libquillet/FirmwareUpdateMsg.h"
-#include "zwave/libquillet/ManageFailedNodeMsg.h"
-#include "zwave/libquillet/ManageNvmMsg.h"
-#include "zwave/libquillet/NodeInformationMsg.h"
-#include "zwave/libquillet/NvmOpEvt.h"
-#include "zwave/libquillet/SerialManagerEvt.h"
-#include "zwave/libquillet/SessionLayerMsg.h"
-#include "zwave/libquillet/SocketStatusMsg.h"
 
 #include <gtest/gtest.h>
 
@@ -69,18 +27,8 @@ namespace {
 
 using Rows = std::vector<std::pair<int, std::string>>;
 
-using Enumerations = testing::Types<
-    AddRemoveOp::Enum, BasicDeviceType::Enum, Capability::Enum, CommandClassAttribs::Enum, CommandClassType::Enum,
-    ConfigurationStatus::Enum, ControlCommandOp::Enum, ControllerCapabilities::Enum, ControllerInfoOption::Enum,
-    ControllerRole::Enum, DaemonDetail::Enum, DaemonStatus::Enum, DeviceLights::Enum, DeviceNetworkStatus::Enum,
-    DeviceStatus::Enum, DisplayOption::Enum, FirmwareUpdateStatus::Enum, FrameCast::Enum, GenericDeviceType::Enum,
-    GetNodesOp::Enum, LearnMode::Enum, LearnModeStatus::Enum, ManageFailedNodeOp::Enum, ManageFailedNodeStatus::Enum,
-    ManageNvmOp::Enum, ManufacturerId::Enum, MessageRole::Enum, ModuleType::Enum, NvmOp::Enum, ObserveAction::Enum,
-    ObserveDirection::Enum, Priority::Enum, ProtocolVersion::Enum, ReceivedStatus::Enum,
-    RequestNeighborUpdateStatus::Enum, RequestNetworkUpdateStatus::Enum, Security::Enum, SecurityStatus::Enum,
-    SerialManagerStatus::Enum, SessionLayerOp::Enum, SessionLayerStatus::Enum, SocketActor::Enum, SocketEvent::Enum,
-    SpecificDeviceType::Enum, SystemStatus::Enum, TResult::Enum, TransmitOption::Enum, WakeStatus::Enum,
-    ZwApiCommand::Enum>;
+template <class... Enums> testing::Types<Enums...> toTypes(EnumList<Enums...>);
+using EnumTypes = decltype(toTypes(Enumerations()));
 
 Rows goldenRows(std::string const& name) {
     std::ifstream file(sourcePath("tests/golden/enums/" + name + ".txt"));
@@ -101,7 +49,7 @@ struct EnumName {
     template <class Enum> static std::string GetName(int) { return describe(Enum()).name; }
 };
 
-TYPED_TEST_SUITE(EnumGoldenList, Enumerations, EnumName);
+TYPED_TEST_SUITE(EnumGoldenList, EnumTypes, EnumName);
 
 TYPED_TEST(EnumGoldenList, HoldsTheSameNumbersAndTextsAsTheTable) {
     auto const type = this->type();
@@ -125,7 +73,7 @@ TYPED_TEST(EnumGoldenList, IsWrittenAndReadAsItStands) {
 }
 
 template <class List> struct Names;
-template <class... Enums> struct Names<testing::Types<Enums...>> {
+template <class... Enums> struct Names<EnumList<Enums...>> {
     static std::set<std::string> all() { return {describe(Enums()).name...}; }
 };
 
