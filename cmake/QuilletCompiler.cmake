@@ -56,3 +56,8 @@ if(QUILLET_SANITIZE)
         target_compile_definitions(quillet_build_options INTERFACE BOOST_ASIO_DISABLE_FENCED_BLOCK)
     endif()
 endif()
+
+# The targets' own programs are linked to the fuzzer; everything else only counts where it has been.
+if(QUILLET_BUILD_FUZZERS)
+    target_compile_options(quillet_build_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

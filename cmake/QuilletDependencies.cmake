@@ -27,4 +27,5 @@ endif()
 
 if(QUILLET_BUILD_TESTS)
     find_package(GTest ${quillet_least_GoogleTest} REQUIRED)
+    find_package(rapidcheck REQUIRED)
 endif()
