@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cstddef>
 #include <iostream>
@@ -43,10 +44,21 @@ inline std::size_t editDistance(std::string const& from, std::string const& to) 
     return row[to.size()];
 }
 
-/// Suggests the known word that is nearest to an unknown one; empty if none is near.
+/// Whether a text begins with a word, whatever the case of its letters.
+inline bool beginsWith(std::string const& text, std::string const& word) {
+    return word.size() <= text.size() && std::equal(word.begin(), word.end(), text.begin(), [](char a, char b) {
+               return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+           });
+}
+
+/// Suggests the known word that is nearest to an unknown one, or the first that goes on where it ends; empty if there is
+/// neither.
 inline std::string suggest(std::string const& word, std::vector<std::string> const& known) {
     auto best = word.size() / 3 + 2; // one more than may differ
-    std::string nearest;
+    auto const longer = word.empty() ? known.end()
+                                     : std::find_if(known.begin(), known.end(),
+                                                    [&word](auto const& each) { return beginsWith(each, word); });
+    std::string nearest = longer == known.end() ? "" : *longer;
     for (auto const& candidate : known) {
         auto const distance = editDistance(word, candidate);
         if (distance < best) {

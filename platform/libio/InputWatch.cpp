@@ -13,12 +13,6 @@
 
 namespace zorv {
 
-namespace {
-
-std::system_error failure(char const* what) { return {errno, std::system_category(), what}; }
-
-} // namespace
-
 /// Asio makes what it watches non-blocking, for all that share it. So it watches something of our own that is readable
 /// when the descriptor is.
 struct InputWatch::Watch {
@@ -32,11 +26,13 @@ struct InputWatch::Watch {
 InputWatch::InputWatch(EventLoop& loop, int descriptor, std::function<void()> work)
     : watch_(std::make_shared<Watch>(loop.context(), std::move(work))) {
     auto const epoll = ::epoll_create1(EPOLL_CLOEXEC);
-    if (epoll < 0) { throw failure("epoll_create1"); }
+    if (epoll < 0) { throw std::system_error(errno, std::generic_category(), "epoll_create1"); }
     watch_->readiness.assign(epoll);
     epoll_event event{};
     event.events = EPOLLIN;
-    if (::epoll_ctl(epoll, EPOLL_CTL_ADD, descriptor, &event) != 0) { throw failure("epoll_ctl"); }
+    if (::epoll_ctl(epoll, EPOLL_CTL_ADD, descriptor, &event) != 0) {
+        throw std::system_error(errno, std::generic_category(), "epoll_ctl");
+    }
     watch_->readiness.async_wait(boost::asio::posix::stream_descriptor::wait_read,
                                  [watch = watch_](boost::system::error_code const& error) {
                                      if (auto const ready = std::exchange(watch->work, nullptr); ready && !error) {

@@ -162,6 +162,8 @@ TEST_F(ClientCommands, RequestTellsWhatIsWrongWithItsMembers) {
 }
 
 TEST_F(ClientCommands, RequestForAnUnknownClassNamesTheNearestOne) {
+    EXPECT_EQ(run({"request", "ping"}), usage);
+    EXPECT_THAT(errors_, HasSubstr("no message is called ping; did you mean \"PingMsg\"?"));
     EXPECT_EQ(run({"request", "zorv::PingMgs"}), usage);
     EXPECT_THAT(errors_, HasSubstr(R"(no message is called zorv::PingMgs; did you mean "PingMsg"?)"));
 }

@@ -266,8 +266,8 @@ TEST_F(ClientInteractive, InterruptionEndsTheWaitForADaemonThatIsSilent) {
 TEST_F(ClientInteractive, TerminationGivesTheTerminalBack) {
     for (auto const signal : {SIGTERM, SIGHUP}) {
         auto const shell = client();
-        shell->type("rub");
-        shell->waitFor("rub");
+        shell->type("nvm \t");
+        shell->waitFor("check  clear"); // so it is the client that edits
         EXPECT_FALSE(shell->editsLines());
         shell->signal(signal);
         EXPECT_EQ(shell->wait(), 128 + signal);
