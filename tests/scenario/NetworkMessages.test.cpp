@@ -326,7 +326,7 @@ TEST_P(NetworkMessages, NodeInformationFrameGoesToOneNodeOrToAll) {
     for (auto const node : {2, 255}) {
         auto const request = SendNifMsg::create(static_cast<unsigned char>(node), TransmitOption::ack);
         client.tell(*request);
-        EXPECT_EQ(client.waitForCall(sendNodeInformation).at(0), node);
+        while (client.waitForCall(sendNodeInformation).at(0) != node) {} // a frame may have been sent again
         EXPECT_EQ(client.answerTo(request)->result(), ZResult::success);
     }
     EXPECT_EQ(client.ask(SendNifMsg::create(77, TransmitOption::ack))->result(), ZResult::rejected);
