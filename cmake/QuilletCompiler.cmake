@@ -36,6 +36,31 @@ if(QUILLET_PACKS_RELOCATIONS)
     target_link_options(quillet_build_options INTERFACE LINKER:-z,pack-relative-relocs)
 endif()
 
+# What is shipped notices a part of its own memory errors and makes the others hard to use: overflown buffers, jumps to where
+# no function begins, a stack that grows over its guard, tables of functions that are written to. tests/package/hardening
+# reads each of these in the built files.
+if(QUILLET_HARDENING AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUILLET_SANITIZE)
+    include(CheckCXXCompilerFlag)
+    include(CheckPIESupported)
+    check_pie_supported()
+    foreach(flag IN ITEMS -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+        string(MAKE_C_IDENTIFIER "QUILLET_HAS${flag}" known)
+        check_cxx_compiler_flag(${flag} ${known})
+        if(${known})
+            target_compile_options(quillet_build_options INTERFACE ${flag})
+        endif()
+    endforeach()
+    # The checked functions of the C library need an optimising compiler, and one level of them, whoever set another.
+    target_compile_options(quillet_build_options INTERFACE
+        $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+    target_link_options(quillet_build_options INTERFACE LINKER:-z,relro LINKER:-z,now)
+endif()
+
+# The same sources give the same bytes, wherever they lie. A debug build names the real files, for the debugger.
+if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    target_compile_options(quillet_build_options INTERFACE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+endif()
+
 if(QUILLET_WARNINGS)
     target_compile_options(quillet_build_options INTERFACE
         -Wall -Wextra -Wpedantic

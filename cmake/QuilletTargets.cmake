@@ -60,7 +60,7 @@ function(quillet_library name)
         FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${headers} ${arg_HEADERS})
 
     install(TARGETS ${target} EXPORT quilletTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Libraries NAMELINK_COMPONENT Development
         FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/quillet" COMPONENT Development)
 endfunction()
 
@@ -74,11 +74,12 @@ function(quillet_always_loaded name)
         "$<INSTALL_INTERFACE:LINKER:--push-state,--no-as-needed,$<TARGET_FILE:quillet::${name}>,--pop-state>")
 endfunction()
 
-# quillet_program(<name> <target>...)
+# quillet_program(<name> COMPONENT <component> LINK <target>...)
 #
-# The folder's sources as the program <name>, linked to the given targets. The CMake target is quillet-program-<name>,
-# because libraries of the same names exist.
+# The folder's sources as the program <name>, linked to the given targets and installed with the component. The CMake
+# target is quillet-program-<name>, because libraries of the same names exist.
 function(quillet_program name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "COMPONENT" "LINK")
     quillet_find_sources(sources "*.cpp")
     set(target quillet-program-${name})
     add_executable(${target} ${sources})
@@ -89,8 +90,18 @@ function(quillet_program name)
         OUTPUT_NAME ${name}
         INSTALL_RPATH "$ORIGIN/${libraries}"
         ENABLE_EXPORTS ON)
-    target_link_libraries(${target} PRIVATE ${ARGN} quillet_build_options)
-    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+    target_link_libraries(${target} PRIVATE ${arg_LINK} quillet_build_options)
+    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${arg_COMPONENT})
+    set_property(GLOBAL APPEND PROPERTY quillet_programs ${target})
+endfunction()
+
+# quillet_gzip(<file> <out>)
+#
+# The file as Debian wants documents: compressed, and the same bytes whenever that was done.
+function(quillet_gzip file out)
+    find_program(QUILLET_GZIP gzip REQUIRED)
+    add_custom_command(OUTPUT "${file}.gz" COMMAND "${QUILLET_GZIP}" -9nkf "${file}" DEPENDS "${file}" VERBATIM)
+    set(${out} "${file}.gz" PARENT_SCOPE)
 endfunction()
 
 # quillet_manual(<name> <section> <program> <argument> COMPONENT <component>)
@@ -100,6 +111,9 @@ function(quillet_manual name section program argument)
     cmake_parse_arguments(PARSE_ARGV 4 arg "" "COMPONENT" "")
     set(page "${CMAKE_CURRENT_BINARY_DIR}/${name}.${section}")
     add_custom_command(OUTPUT "${page}" COMMAND ${program} ${argument} > "${page}" DEPENDS ${program} VERBATIM)
+    if(QUILLET_DEBIAN)
+        quillet_gzip("${page}" page)
+    endif()
     add_custom_target(quillet-manual-${name} ALL DEPENDS "${page}")
     install(FILES "${page}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${arg_COMPONENT})
 endfunction()
