@@ -34,6 +34,8 @@ include(CheckLinkerFlag)
 check_linker_flag(CXX LINKER:-z,pack-relative-relocs QUILLET_PACKS_RELOCATIONS)
 if(QUILLET_PACKS_RELOCATIONS)
     target_link_options(quillet_build_options INTERFACE LINKER:-z,pack-relative-relocs)
+elseif(QUILLET_REQUIRE_ALL)
+    message(FATAL_ERROR "The linker does not pack relocations, and QUILLET_REQUIRE_ALL wants everything")
 endif()
 
 # What is shipped notices a part of its own memory errors and makes the others hard to use: overflown buffers, jumps to where
@@ -48,6 +50,8 @@ if(QUILLET_HARDENING AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT QUILLET_S
         check_cxx_compiler_flag(${flag} ${known})
         if(${known})
             target_compile_options(quillet_build_options INTERFACE ${flag})
+        elseif(QUILLET_REQUIRE_ALL)
+            message(FATAL_ERROR "The compiler does not know ${flag}, and QUILLET_REQUIRE_ALL wants everything")
         endif()
     endforeach()
     # The checked functions of the C library need an optimising compiler, and one level of them, whoever set another.
