@@ -33,8 +33,8 @@ public:
 
     std::vector<unsigned char> const& data() const noexcept { return data_; }
 
-    /// Appends operation, function and bytes; std::out_of_range where there are less than two bytes, as a default message
-    /// or one that was read may have.
+    /// Appends operation, function and bytes. Errors, for a message that was read may hold anything: std::out_of_range where
+    /// there are less than two bytes, InvalidEnumError where the first one is no operation.
     void accumulateDisplay(StringVecVec& rows) const override;
 
 private:
