@@ -449,6 +449,7 @@ TEST_F(NetworkFile, ComplainsAboutBadHexDigits) {
 TEST_F(NetworkFile, ComplainsAboutABadImage) {
     std::string const expected = ":3: module.nvmImage: expected a file of 16384 to 1048576 bytes";
     EXPECT_EQ(complaintInModule("\"nvmImage\": \"none.bin\""), expected);
+    EXPECT_EQ(complaintInModule("\"nvmImage\": \"/dev/zero\""), expected);
     directory_.write("short.bin", std::string(16383, 'x'));
     EXPECT_EQ(complaintInModule("\"nvmImage\": \"short.bin\""), expected);
     auto const whole = directory_.write("whole.bin", std::string(16384, 'x'));

@@ -192,6 +192,14 @@ TEST_F(StoreTest, LogsTheLatestJobsFirst) {
     EXPECT_EQ(store.jobs(1).size(), 1U);
 }
 
+TEST_F(StoreTest, TakesTheNearestTimeForOneThatNoClockTells) {
+    Store(file).log({"job", "done", "", {}});
+    execute(file, "UPDATE jobs SET ended_ms = 9223372036854775807");
+    auto const jobs = Store(file).jobs(1);
+    ASSERT_EQ(jobs.size(), 1U);
+    EXPECT_GT(jobs[0].ended, std::chrono::system_clock::time_point::max() - std::chrono::milliseconds(1));
+}
+
 TEST_F(StoreTest, KeepsTheLatestThousandJobs) {
     Store store(file);
     for (int i = 0; i < 1003; ++i) { store.log({std::to_string(i), "done", "", {}}); }
@@ -226,6 +234,14 @@ TEST_F(StoreTest, RefusesAFileOfANewerVersionAndLeavesItAsItIs) {
     execute(file, "PRAGMA user_version = 77");
     auto const before = bytesOf(file);
     EXPECT_EQ(complaint(), "is of version 77, and this program knows versions up to 1");
+    EXPECT_EQ(bytesOf(file), before);
+}
+
+TEST_F(StoreTest, RefusesAFileOfAVersionThatCannotBeAndLeavesItAsItIs) {
+    { Store const store(file); }
+    execute(file, "PRAGMA user_version = -1");
+    auto const before = bytesOf(file);
+    EXPECT_EQ(complaint(), "is damaged (version -1)");
     EXPECT_EQ(bytesOf(file), before);
 }
 

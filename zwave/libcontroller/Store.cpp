@@ -8,6 +8,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <utility>
@@ -32,6 +33,15 @@ Device toDevice(std::string const& text) {
     auto const device = boost::dynamic_pointer_cast<Device>(readSerializable(text));
     if (!device) { throw std::runtime_error("a record of another class"); }
     return *device;
+}
+
+/// The nearest time that a clock can tell: the file may hold any number.
+std::chrono::system_clock::time_point toTime(std::int64_t milliseconds) {
+    using Time = std::chrono::system_clock::time_point;
+    auto const limit = [](Time time) {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+    };
+    return Time(std::chrono::milliseconds(std::clamp(milliseconds, limit(Time::min()), limit(Time::max()))));
 }
 
 } // namespace
@@ -140,6 +150,7 @@ private:
             refuse("is of version " + std::to_string(version) + ", and this program knows versions up to " +
                    std::to_string(currentVersion));
         }
+        if (version < 0) { refuse("is damaged (version " + std::to_string(version) + ")"); }
         auto findings = statement("PRAGMA quick_check(1)");
         if (findings.next() && findings.text(0) != "ok") { refuse("is damaged (" + findings.text(0) + ")"); }
     }
@@ -258,8 +269,7 @@ std::vector<JobRecord> Store::jobs(std::size_t most) const {
     auto rows = database_->statement("SELECT name, state, reason, ended_ms FROM jobs ORDER BY number DESC LIMIT ?");
     rows.bind(static_cast<std::int64_t>(most));
     while (rows.next()) {
-        std::chrono::system_clock::time_point const ended{std::chrono::milliseconds(rows.number(3))};
-        jobs.push_back({rows.text(0), rows.text(1), rows.text(2), ended});
+        jobs.push_back({rows.text(0), rows.text(1), rows.text(2), toTime(rows.number(3))});
     }
     return jobs;
 }

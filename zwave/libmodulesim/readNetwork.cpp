@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <set>
 
@@ -203,7 +202,9 @@ void readImage(ObjectReader& reader, std::string const& networkFile, Bytes& imag
     auto const folder = networkFile.find_last_of('/');
     bool const isBeside = name.front() != '/' && folder != std::string::npos;
     std::ifstream in(isBeside ? networkFile.substr(0, folder + 1) + name : name, std::ios::binary);
-    image.assign(std::istreambuf_iterator<char>(in), {});
+    image.resize(largestMemory + 1); // which is too much, as a file without an end is
+    in.read(reinterpret_cast<char*>(image.data()), static_cast<std::streamsize>(image.size()));
+    image.resize(static_cast<std::size_t>(in.gcount()));
     if (image.size() < smallestMemory || image.size() > largestMemory) {
         reader.fail(reader.require("nvmImage"), "nvmImage", "expected a file of 16384 to 1048576 bytes");
     }
