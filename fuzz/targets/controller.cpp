@@ -52,8 +52,8 @@ private:
         case 0: controller.receive(script_.bytes(), stage_.now); break;
         case 1: controller.receive(script_.frame().encode(), stage_.now); break;
         case 2: {
-            auto const function = script_.byte();
-            stage_.hears(function, script_.bytes());
+            auto const frame = script_.frame();
+            stage_.hears(frame.function, frame.parameters);
             break;
         }
         case 3: answer(); break;
@@ -144,7 +144,7 @@ Target::Texts seeds() {
                 script.byte(11).byte(static_cast<unsigned char>(function[0])).byte(1).bytes({accepted, 2, 3});
                 if (script.text().size() > 200) { break; }
             }
-            script.byte(4).number(60'000).byte(2).byte(0x4A).bytes({1, accepted, 5, 0});
+            script.byte(4).number(60'000).byte(2).byte(0).byte(0x4A).bytes({1, accepted, 5, 0});
             texts.push_back(script.text());
         }
     }

@@ -83,10 +83,9 @@ public:
     /// Takes what has come, and looks at each line; false where nothing has.
     bool hear() {
         if (!isConnected()) { return false; }
-        std::array<char, 65536> block{};
         boost::system::error_code error;
-        auto const size = socket_.read_some(boost::asio::buffer(block), error);
-        unread_.append(block.data(), size);
+        auto const size = socket_.read_some(boost::asio::buffer(block_), error);
+        unread_.append(block_.data(), size);
         for (auto end = unread_.find('\n'); end != std::string::npos; end = unread_.find('\n')) {
             look(unread_.substr(0, end));
             unread_.erase(0, end + 1);
@@ -105,6 +104,7 @@ private:
     }
 
     Socket socket_;
+    std::array<char, 4096> block_{};
     std::string unread_;
 };
 
@@ -181,7 +181,7 @@ private:
 
     /// Lets time pass: in steps that become longer as long as nothing happens.
     void pass(Milliseconds time) {
-        constexpr Milliseconds longest(100);
+        constexpr Milliseconds longest(500);
         auto const end = FakeClock::now() + time;
         turn();
         for (Milliseconds step(1); FakeClock::now() < end && !hasEnded_;) {

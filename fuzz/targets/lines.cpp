@@ -13,6 +13,7 @@
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
 
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -137,11 +138,10 @@ private:
     }
 
     std::size_t hear() {
-        std::string text(65536, '\0');
         boost::system::error_code error;
         peer_.non_blocking(true);
-        auto const size = peer_.read_some(boost::asio::buffer(text), error);
-        heard_.append(text, 0, size);
+        auto const size = peer_.read_some(boost::asio::buffer(block_), error);
+        heard_.append(block_.data(), size);
         return size;
     }
 
@@ -155,6 +155,7 @@ private:
     std::vector<std::string> lines_;
     int overlong_ = 0;
     std::optional<std::string> closed_;
+    std::array<char, 65536> block_{};
     std::string sent_;
     std::string heard_;
 };

@@ -34,8 +34,8 @@ inline std::shared_ptr<controller::Job> anyJob(std::function<serialapi::Byte()> 
     using namespace controller;
     auto const kind = next() % jobKinds;
     Milliseconds const time(next() * 1000);
-    auto const bytes = [&next](std::size_t size) {
-        Bytes some(size);
+    auto const bytes = [&next] {
+        Bytes some(next() % 4 == 0 ? next() : next() % 16U); // all that a frame holds, and more, or a few
         for (auto& byte : some) { byte = next(); }
         return some;
     };
@@ -58,14 +58,14 @@ inline std::shared_ptr<controller::Job> anyJob(std::function<serialapi::Byte()> 
     case 15: return std::make_shared<NvmClear>(time);
     case 16: {
         auto const function = next();
-        return std::make_shared<RawCall>(function, bytes(next() % 16), RawCall::Heard([](serialapi::Frame const&) {}));
+        return std::make_shared<RawCall>(function, bytes(), RawCall::Heard([](serialapi::Frame const&) {}));
     }
     default: {
         Transmission::Order order;
         for (auto count = 1 + next() % 3; count > 0; --count) { order.nodes.push_back(next()); }
         order.asleep = static_cast<Transmission::Asleep>(next() % 3);
         order.priority = next() % 4;
-        order.data = bytes(next() % 16);
+        order.data = bytes();
         order.time = time;
         return std::make_shared<Transmission>(std::move(order));
     }
