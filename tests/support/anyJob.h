@@ -63,6 +63,7 @@ inline std::shared_ptr<controller::Job> anyJob(std::function<serialapi::Byte()> 
     default: {
         Transmission::Order order;
         for (auto count = 1 + next() % 3; count > 0; --count) { order.nodes.push_back(next()); }
+        if (next() % 16 == 0) { order.nodes.resize(next() + std::size_t{1}, order.nodes.front()); }
         order.asleep = static_cast<Transmission::Asleep>(next() % 3);
         order.priority = next() % 4;
         order.data = bytes();

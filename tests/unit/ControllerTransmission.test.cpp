@@ -82,6 +82,9 @@ TEST_F(ControllerTransmission, LeavesTheNodeAsItIsWhereTheRadioFails) {
 TEST_F(ControllerTransmission, RefusesFramesThatCannotBeSent) {
     EXPECT_EQ(submit(std::make_shared<Transmission>(order(9))).reason, "the network has no node 9");
     EXPECT_EQ(submit(std::make_shared<Transmission>(order(5, {}))).reason, "its data does not fit into a frame");
+    auto many = order(5);
+    many.nodes.resize(250, 5);
+    EXPECT_EQ(submit(std::make_shared<Transmission>(many)).reason, "it names too many nodes");
     EXPECT_EQ(submit(std::make_shared<Transmission>(order(5, Bytes(55)))).refusal, Refusal::impossible);
     EXPECT_EQ(submit(std::make_shared<Transmission>(Transmission::Order{})).reason, "it names no node");
     EXPECT_EQ(module.takeHeard(), Lines{});

@@ -16,6 +16,7 @@ namespace {
 constexpr Byte acknowledged = 0;
 constexpr Byte notAcknowledged = 1;
 constexpr std::size_t largestData = 54; // of a frame that takes no route
+constexpr std::size_t mostNodes = 64;   // which leave room for the data in a frame to several nodes
 
 char const* describe(Byte status) {
     constexpr Byte radioFailed = 2;
@@ -32,6 +33,7 @@ char const* describe(Byte status) {
 
 std::string Transmission::objection(Network const& network) const {
     if (order_.nodes.empty()) { return "it names no node"; }
+    if (order_.nodes.size() > mostNodes) { return "it names too many nodes"; }
     if (order_.data.empty() || order_.data.size() > largestData) { return "its data does not fit into a frame"; }
     bool const isBroadcast = order_.nodes == std::vector<NodeId>{broadcastNodeId};
     for (auto const node : order_.nodes) {
