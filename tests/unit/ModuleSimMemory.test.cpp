@@ -139,6 +139,20 @@ TEST(ModuleSimMemory, MakesAFreshModuleWhenItIsErased) {
     EXPECT_NE(link.module.homeId(), 0xC0FFEE01U);
 }
 
+TEST(ModuleSimMemory, MakesAFreshModuleWhenItHoldsAnIdThatNoNodeHas) {
+    constexpr std::size_t ownNode = 8;
+    constexpr std::size_t firstNode = 12; // of those that follow
+    for (auto const place : {ownNode, firstNode}) {
+        HeardLink link(smallNetwork(Generation::series700));
+        auto image = readAll<Short>(link).first;
+        ASSERT_EQ(image.at(place), 1);
+        image[place] = 0;
+        writeAll<Short>(link, image);
+        restart(link);
+        EXPECT_EQ(link.module.nodes(), Ids{1}) << place;
+    }
+}
+
 TEST(ModuleSimMemory, IsReadAndWrittenByAddressOnThe500Series) {
     HeardLink link(smallNetwork(Generation::series500));
     Bytes image;

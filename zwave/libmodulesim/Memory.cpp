@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libmodulesim/MemoryImpl.h"
 
+#include "platform/libzorvshared/nodeIds.h"
 #include "zwave/libmodulesim/FamiliesImpl.h"
 
 #include <algorithm>
@@ -76,16 +77,16 @@ Bytes writeMembership(Membership const& membership) {
     return out.take();
 }
 
-/// Nothing where no membership stands there.
+/// Nothing where no membership stands there: a host may have written anything.
 std::optional<Membership> readMembership(Bytes const& image) {
     api::ParameterReader in(image, api::NodeIdWidth::one);
     NetworkHead head;
-    if (!readFields(in, head) || head.mark != NetworkHead::known) { return std::nullopt; }
+    if (!readFields(in, head) || head.mark != NetworkHead::known || !isNodeId(head.node)) { return std::nullopt; }
     Membership membership{head.homeId, head.node, head.updateController, (head.roles & 1U) != 0, (head.roles & 2U) != 0,
                           {}};
     for (int i = 0; i < head.count; ++i) {
         NodeEntry entry;
-        if (!readFields(in, entry)) { return std::nullopt; }
+        if (!readFields(in, entry) || !isNodeId(entry.id)) { return std::nullopt; }
         api::BitMask const mask{Bytes(entry.neighbours.begin(), entry.neighbours.end())};
         membership.nodes[entry.id] = {entry.information, mask.numbers()};
     }
