@@ -101,7 +101,9 @@ private:
         std::string chunk;
         if (kind == 0) {
             auto const character = static_cast<char>(script_.byte());
-            chunk.assign(std::size_t{16} * script_.number() % 300'000, character);
+            auto const most =
+                character == '\n' ? std::size_t{2000} : std::size_t{300'000}; // an empty line costs a turn
+            chunk.assign(std::size_t{16} * script_.number() % most, character);
         } else if (kind == 1) {
             reply("line " + std::to_string(sent_.size()));
         } else {

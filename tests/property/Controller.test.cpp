@@ -55,7 +55,9 @@ public:
         case 4: module_.command(node, {0x20, 0x03, static_cast<Byte>(below(256))}); break;
         case 5: module_.restart(); break;
         case 6:
-            if (!submissions_.empty()) { controller_.cancel(submissions_[below(submissions_.size())], now_); }
+            if (!submissions_.empty()) {
+                controller_.cancel(submissions_[static_cast<std::size_t>(below(submissions_.size()))], now_);
+            }
             break;
         default: submit(below); break;
         }

@@ -95,7 +95,9 @@ RC_GTEST_PROP(NvmBackup, IsReadFromAFileWithAnyLineEnds, ()) {
     Contents contents;
     auto text = toText(Documents().any(contents));
     auto const below = generated();
-    for (auto left = below(5); left > 0; --left) { text.insert(below(text.size() + 1), "\n"); }
+    for (auto left = below(5); left > 0; --left) {
+        text.insert(static_cast<std::size_t>(below(text.size() + 1)), "\n");
+    }
     ManageNvmMsg message;
     message.addBlob(boost::make_shared<Blob>("of before", 0));
     auto const result = message.read(directory.write("backup.json", text));

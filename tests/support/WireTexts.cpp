@@ -122,7 +122,7 @@ std::string WireTexts::scalar(TypeDescriptor const& type) {
         auto const least = static_cast<std::int64_t>(type.minimum);
         auto const span = static_cast<std::uint64_t>(static_cast<std::int64_t>(type.maximum) - least);
         std::array<std::int64_t, 3> const edges{least, 0, static_cast<std::int64_t>(type.maximum)};
-        auto const choice = below_(8);
+        auto const choice = index(8);
         return std::to_string(choice < edges.size() ? edges[choice] : least + static_cast<std::int64_t>(below_(span)));
     }
     if (type.kind == Kind::number) {
@@ -154,7 +154,7 @@ std::string WireTexts::text() {
     std::string plain;
     auto const size = below_(10);
     // The reader knows short texts from long ones.
-    if (below_(8) == 0) { plain.assign(limits::longestShort - 5 + below_(10), 'x'); }
+    if (below_(8) == 0) { plain.assign(limits::longestShort - 5 + index(10), 'x'); }
     for (std::uint64_t i = 0; i < size; ++i) {
         switch (below_(6)) {
         case 0: plain += utf8(below_(0x20)); break;
