@@ -25,9 +25,25 @@ template <class Operation> auto attempt(Operation const& operation) -> std::opti
     } catch (InvalidEnumError const&) { return std::nullopt; }
 }
 
+/// Whether a text consists of an enumeration's own, or of numbers.
+bool isMadeOf(TypeDescriptor const& type, std::string const& text) {
+    std::set<std::string> own;
+    for (auto const& row : type.texts) { own.insert(row.text); }
+    for (auto const& field : type.elements) {
+        for (auto const& row : field.texts) { own.insert(row.text); }
+    }
+    std::istringstream words(text);
+    bool isOwn = true;
+    for (std::string word; isOwn && std::getline(words, word, '|');) {
+        isOwn = own.count(word) != 0 || (type.kind == TypeDescriptor::Kind::openSet && word.rfind("0x", 0) == 0);
+    }
+    return isOwn;
+}
+
 template <class Enum> void read(std::string const& text) {
     Enum whole{};
     bool const isTaken = tryParse(text, whole);
+    expect(!isTaken || isMadeOf(describe(Enum()), text), "what is taken is a text of the enumeration: " + text);
     auto const word = std::string(enums::firstWord(text));
     Enum first{};
     auto const expected = tryParse(word, first) ? std::optional(first) : std::nullopt;

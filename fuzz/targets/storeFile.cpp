@@ -109,8 +109,8 @@ void run(std::string const& input) {
     }
 }
 
-/// A file that a store has written.
-std::string written() {
+/// A file that a store has written, and somebody else has changed.
+std::string written(std::string const& change) {
     TemporaryDirectory const directory;
     auto const file = directory.path("store.sqlite");
     {
@@ -120,11 +120,20 @@ std::string written() {
         store.remember("name", "value");
         store.log({"job", "failed", "reason", {}});
     }
+    sqlite3* handle = nullptr;
+    expect(sqlite3_open(file.c_str(), &handle) == SQLITE_OK, "the store's file can be opened");
+    sqlite3_exec(handle, change.c_str(), nullptr, nullptr, nullptr);
+    sqlite3_close(handle);
     return readFile(file);
 }
 
 Target::Texts seeds() {
-    Target::Texts texts{written()};
+    Target::Texts texts;
+    for (auto const* const change :
+         {"", "PRAGMA user_version = -1", "PRAGMA user_version = 0", "PRAGMA application_id = 1",
+          "UPDATE jobs SET ended_ms = 9223372036854775807", "UPDATE nodes SET device = x'00ff'", "DROP TABLE jobs"}) {
+        texts.push_back(written(change));
+    }
     std::mt19937 random(1);
     WireTexts wire([&random](std::uint64_t limit) { return random() % limit; });
     for (int i = 0; i < 8; ++i) { texts.push_back(wire.object("zorv::Device") + '\n' + wire.object("zorv::Device")); }

@@ -268,9 +268,7 @@ std::vector<JobRecord> Store::jobs(std::size_t most) const {
     std::vector<JobRecord> jobs;
     auto rows = database_->statement("SELECT name, state, reason, ended_ms FROM jobs ORDER BY number DESC LIMIT ?");
     rows.bind(static_cast<std::int64_t>(most));
-    while (rows.next()) {
-        jobs.push_back({rows.text(0), rows.text(1), rows.text(2), toTime(rows.number(3))});
-    }
+    while (rows.next()) { jobs.push_back({rows.text(0), rows.text(1), rows.text(2), toTime(rows.number(3))}); }
     return jobs;
 }
 
