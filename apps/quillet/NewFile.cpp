@@ -18,6 +18,12 @@ namespace {
 
 constexpr mode_t forItsOwner = 0600; // a memory holds the keys of a network
 
+bool isSynced(int descriptor) {
+    int result = 0;
+    do { result = ::fsync(descriptor); } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
 } // namespace
 
 NewFile::NewFile(std::string const& path, bool mayReplace)
@@ -38,14 +44,14 @@ NewFile::~NewFile() {
 
 void NewFile::write(std::string const& text) {
     put(text);
-    if (::fsync(descriptor_) != 0) { fail(); }
+    if (!isSynced(descriptor_)) { fail(); }
     unsigned int const flags = mayReplace_ ? 0 : RENAME_NOREPLACE; // a file may have come to be there meanwhile
     if (::renameat2(AT_FDCWD, temporary_.c_str(), AT_FDCWD, path_.c_str(), flags) != 0) { fail(); }
     auto const slash = path_.find_last_of('/');
     auto const folder = slash == std::string::npos ? std::string(".") : path_.substr(0, slash + 1);
     int const folderDescriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folderDescriptor < 0) { fail(); }
-    bool const isKept = ::fsync(folderDescriptor) == 0;
+    bool const isKept = isSynced(folderDescriptor);
     ::close(folderDescriptor);
     if (!isKept) { fail(); }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/zwaved/Daemon.h"
 
+#include "platform/libio/insist.h"
 #include "platform/libzorvlogger/Logger.h"
 #include "zwave/libquillet/Confirmable.h"
 #include "zwave/libquillet/SocketStatusMsg.h"
@@ -12,6 +13,7 @@
 #include <boost/make_shared.hpp>
 
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace zorv::daemon {
@@ -74,16 +76,26 @@ void Daemon::welcome(TcpConnection connection) {
     Logger::log(LogLevel::info, "zwaved: " + boost::lexical_cast<std::string>(remote) + " connected",
                 BOOST_CURRENT_LOCATION);
     auto const peer = bus_.attach(std::move(connection));
-    clients_.emplace(peer, remote);
-    clientMessages_.tellVersion(peer);
-    announcer_.announce(SocketStatusMsg::create(remote, SocketEvent::connect, SocketActor::client));
+    try {
+        clients_.emplace(peer, remote);
+        clientMessages_.tellVersion(peer);
+    } catch (std::bad_alloc const&) {
+        insist([&] { bus_.disconnect(peer); });
+        throw;
+    }
+    ifMemoryAllows(
+        [&] { announcer_.announce(SocketStatusMsg::create(remote, SocketEvent::connect, SocketActor::client)); });
 }
 
 void Daemon::left(PeerId peer, std::string const& reason) {
-    requests_.left(peer);
+    insist([&] { requests_.left(peer); }); // no mode stays open behind it
     auto const status = reason == TcpConnection::closedByPeer ? SocketEvent::disconnect : SocketEvent::error;
     auto const client = clients_.extract(peer);
-    announcer_.announce(SocketStatusMsg::create(client.mapped(), status, SocketActor::client));
+    ifMemoryAllows([&] {
+        if (!client.empty()) {
+            announcer_.announce(SocketStatusMsg::create(client.mapped(), status, SocketActor::client));
+        }
+    });
     if (hasSaidGoodbye_ && bus_.peerCount() == 0) { ended_(); }
 }
 
@@ -98,8 +110,8 @@ void Daemon::reject(PeerId from, BadMessageError const& error) {
 void Daemon::quit() {
     if (isEnding_) { return ended_(); }
     isEnding_ = true;
-    announcer_.stopping();
-    lastMoment_ = Timer(loop_, endTime, [this] { sayGoodbye(); });
+    ifMemoryAllows([this] { announcer_.stopping(); });
+    insist([this] { lastMoment_ = Timer(loop_, endTime, [this] { sayGoodbye(); }); });
     link_.windUp(); // its turn's end looks whether anything is left
 }
 
@@ -114,8 +126,8 @@ void Daemon::turnEnded() {
 void Daemon::sayGoodbye() {
     if (std::exchange(hasSaidGoodbye_, true)) { return; }
     if (bus_.peerCount() == 0) { return ended_(); }
+    insist([this] { lastMoment_ = Timer(loop_, goodbyeTime, [this] { ended_(); }); });
     bus_.disconnectAll("the daemon ends");
-    lastMoment_ = Timer(loop_, goodbyeTime, [this] { ended_(); });
 }
 
 } // namespace zorv::daemon

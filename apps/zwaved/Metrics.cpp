@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/zwaved/Metrics.h"
 
+#include "platform/libio/insist.h"
 #include "platform/libzorvlogger/Logger.h"
 
 #include <boost/asio/ip/tcp.hpp>
@@ -72,7 +73,12 @@ StringVecVec Metrics::counters() const {
 }
 
 void Metrics::logLater() {
-    next_ = Timer(loop_, period, [this] { log(); });
+    insist([this] {
+        next_ = Timer(loop_, period, [this] {
+            ifMemoryAllows([this] { log(); });
+            logLater();
+        });
+    });
 }
 
 /// Only what is not 0, on one line.
@@ -83,7 +89,6 @@ void Metrics::log() {
     }
     if (line != logged_) { Logger::log(LogLevel::info, "zwaved: " + line, BOOST_CURRENT_LOCATION); }
     logged_ = line;
-    logLater();
 }
 
 } // namespace zorv::daemon

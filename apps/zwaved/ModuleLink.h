@@ -6,6 +6,7 @@
 #include "platform/libio/EventLoop.h"
 #include "zwave/libcontroller/Controller.h"
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -14,7 +15,8 @@ namespace zorv::daemon {
 
 /// Drives a controller by the event loop: carries bytes between it and a port, and tells it the time.
 ///
-/// A port that is lost is opened again and again.
+/// A port that is lost is opened again and again. A controller that throws, which it does where memory runs out, is taken
+/// as one that has lost its port: what is under way fails, and the module is asked again who it is.
 class ModuleLink {
 public:
     ModuleLink(EventLoop& loop, controller::Observer& observer, OpenPort openPort);
@@ -27,7 +29,7 @@ public:
 
     void remember(Device const& device) { controller_.remember(device); }
 
-    controller::Submission submit(std::shared_ptr<controller::Job> job, std::function<void()> end);
+    controller::Submission submit(std::shared_ptr<controller::Job> const& job, std::function<void()> end);
     bool cancel(controller::JobNumber job);
 
     /// Ends all jobs in order.
@@ -47,8 +49,12 @@ public:
 
 private:
     template <class Work> void turn(Work const& work);
+    template <class Work> void ownTurn(Work const& work);
+    void endTurn();
+    void breakDown(std::exception const& error);
     void openPort();
     void lost(std::string const& reason);
+    void retryLater();
     void tryAgain();
     void wakeAt(std::optional<controller::TimePoint> deadline);
 
@@ -60,6 +66,7 @@ private:
     Timer deadline_;
     Timer retry_;
     bool isInTurn_ = false;
+    Timer restart_;
 };
 
 } // namespace zorv::daemon

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/zwaved/Requests.h"
 
+#include "platform/libio/insist.h"
 #include "platform/libzorvlogger/Logger.h"
 #include "platform/libzorvlogger/logExceptionWarning.h"
 
 #include <algorithm>
+#include <new>
 
 namespace zorv::daemon {
 
@@ -21,7 +23,11 @@ void Requests::goOn() {
     while (!waiting_.empty() && link_.controller().state() != ModuleState::starting) {
         auto const waiting = std::move(waiting_.front());
         waiting_.pop_front();
-        serve(waiting);
+        try {
+            serve(waiting);
+        } catch (std::bad_alloc const&) {
+            insist([&] { bus_.disconnect(waiting.from); });
+        }
     }
     isGoingOn_ = false;
 }
@@ -30,7 +36,7 @@ void Requests::serve(Waiting const& waiting) {
     try {
         waiting.work();
     } catch (std::exception const& error) {
-        logExceptionWarning("zwaved", "cannot handle a message that has waited: ", error);
+        ifMemoryAllows([&] { logExceptionWarning("zwaved", "cannot handle a message that has waited: ", error); });
         if (!waiting.request) { return; }
         auto const answer = waiting.request->clone();
         answer->setResponse(*waiting.request);
@@ -41,15 +47,28 @@ void Requests::serve(Waiting const& waiting) {
 
 void Requests::submit(Order const& order, std::shared_ptr<controller::Job> const& job,
                       std::function<void(ZResult::Enum)> const& ended) {
-    auto end = [this, job, ended] {
+    auto end = [this, job, ended, client = order.from] {
         auto const running = running_.extract(job->number());
-        recorder_.ended(*job);
         count(job->state());
-        auto const result = toResult(job->state());
-        ended(keep() || result != ZResult::success ? result : ZResult::failure);
+        auto result = toResult(job->state());
+        try {
+            recorder_.ended(*job);
+            if (!keep() && result == ZResult::success) { result = ZResult::failure; }
+            ended(result);
+        } catch (std::bad_alloc const&) {
+            insist([&] { bus_.disconnect(client); });
+        }
         if (running.empty()) { return; }
-        for (auto const& told : running.mapped().aborts) { told(); }
+        for (auto const& told : running.mapped().aborts) {
+            try {
+                told();
+            } catch (std::bad_alloc const&) {
+                insist([&] { bus_.disconnect(client); });
+            }
+        }
     };
+    std::map<controller::JobNumber, Running> place; // made before: a mode must not begin without its lease
+    place[0] = {order.from, order.lease, {}};
     auto const submission = link_.submit(job, std::move(end));
     if (!submission) {
         ++counters_.refused;
@@ -57,7 +76,10 @@ void Requests::submit(Order const& order, std::shared_ptr<controller::Job> const
                     BOOST_CURRENT_LOCATION);
         return ended(ZResult::rejected);
     }
-    if (!job->isOver()) { running_[submission.job] = {order.from, order.lease, {}}; }
+    if (job->isOver()) { return; }
+    auto running = place.extract(place.begin());
+    running.key() = submission.job;
+    running_.insert(std::move(running));
 }
 
 void Requests::count(JobState end) noexcept {

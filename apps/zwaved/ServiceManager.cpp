@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "apps/zwaved/ServiceManager.h"
 
+#include "platform/libio/insist.h"
+
 #include <systemd/sd-daemon.h>
 
 #include <cstdint>
@@ -24,8 +26,10 @@ void ServiceManager::ready() {
 }
 
 void ServiceManager::feedWatchdog(std::chrono::milliseconds pause) {
-    notify("WATCHDOG=1");
-    watchdog_ = Timer(loop_, pause, [this, pause] { feedWatchdog(pause); });
+    insist([&] {
+        notify("WATCHDOG=1");
+        watchdog_ = Timer(loop_, pause, [this, pause] { feedWatchdog(pause); });
+    });
 }
 
 void ServiceManager::tell(SystemStatus::Enum status) {

@@ -2,6 +2,7 @@
 #include "platform/libio/DescriptorStreamImpl.h"
 
 #include "platform/libio/EventLoop.h"
+#include "platform/libio/insist.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/io_context.hpp>
@@ -49,15 +50,20 @@ void DescriptorStream::start(PortHandlers handlers) {
 }
 
 void DescriptorStream::read() {
-    descriptor_.async_read_some(
-        boost::asio::buffer(chunk_),
-        [self = shared_from_this()](error_code const& error, std::size_t size) { self->received(error, size); });
+    insist([this] {
+        descriptor_.async_read_some(
+            boost::asio::buffer(chunk_),
+            [self = shared_from_this()](error_code const& error, std::size_t size) { self->received(error, size); });
+    });
 }
 
 void DescriptorStream::received(error_code const& error, std::size_t size) {
     if (!isOpen_) { return; }
     if (error) { return close(reasonOf(error)); }
-    if (handlers_.received) { handlers_.received({chunk_.begin(), chunk_.begin() + static_cast<long>(size)}); }
+    // What there is no memory for is lost as it is on a bad line, and the next is read.
+    ifMemoryAllows([&] {
+        if (handlers_.received) { handlers_.received({chunk_.begin(), chunk_.begin() + static_cast<long>(size)}); }
+    });
     if (isOpen_) { read(); }
 }
 
@@ -74,9 +80,11 @@ void DescriptorStream::write(std::vector<std::uint8_t> const& bytes) {
 
 void DescriptorStream::flush() {
     writing_ = std::exchange(waiting_, {});
-    boost::asio::async_write(
-        descriptor_, boost::asio::buffer(writing_),
-        [self = shared_from_this()](error_code const& error, std::size_t) { self->written(error); });
+    insist([this] {
+        boost::asio::async_write(
+            descriptor_, boost::asio::buffer(writing_),
+            [self = shared_from_this()](error_code const& error, std::size_t) { self->written(error); });
+    });
 }
 
 void DescriptorStream::written(error_code const& error) {
@@ -90,8 +98,10 @@ void DescriptorStream::close(std::string const& reason) {
     if (!std::exchange(isOpen_, false)) { return; }
     error_code ignored;
     descriptor_.close(ignored);
-    boost::asio::post(descriptor_.get_executor(), [self = shared_from_this(), reason] {
-        if (!self->isAbandoned_ && self->handlers_.closed) { self->handlers_.closed(reason); }
+    insist([&] {
+        boost::asio::post(descriptor_.get_executor(), [self = shared_from_this(), reason] {
+            if (!self->isAbandoned_ && self->handlers_.closed) { self->handlers_.closed(reason); }
+        });
     });
 }
 

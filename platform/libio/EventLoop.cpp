@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libio/EventLoop.h"
 
+#include "platform/libio/insist.h"
+#include "platform/libzorvlogger/Logger.h"
+
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <new>
 #include <utility>
 
 namespace zorv {
@@ -15,7 +19,15 @@ EventLoop::EventLoop() : context_(std::make_unique<boost::asio::io_context>(1)) 
 EventLoop::~EventLoop() = default;
 
 void EventLoop::run() {
-    context_->run();
+    for (bool isOver = false; !isOver;) {
+        try {
+            context_->run();
+            isOver = true;
+        } catch (std::bad_alloc const&) {
+            // Whoever must not leave something undone has seen to it; the others go on.
+            ifMemoryAllows([] { Logger::log(LogLevel::warn, "EventLoop: out of memory", BOOST_CURRENT_LOCATION); });
+        }
+    }
     context_->restart();
 }
 
@@ -64,8 +76,8 @@ struct SignalWatch::Watch : std::enable_shared_from_this<SignalWatch::Watch> {
     void wait() {
         signals.async_wait([watch = shared_from_this()](boost::system::error_code const& error, int signal) {
             if (error || watch->over) { return; }
+            watch->wait(); // first: the next signal is to be heard whatever becomes of this one
             watch->work(signal);
-            if (!watch->over) { watch->wait(); }
         });
     }
 

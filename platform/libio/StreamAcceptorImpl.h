@@ -3,6 +3,7 @@
 
 #include "platform/libio/TcpBudget.h"
 #include "platform/libio/TcpSocket.h"
+#include "platform/libio/insist.h"
 #include "platform/libzorvlogger/Logger.h"
 
 #include <boost/asio/basic_socket_acceptor.hpp>
@@ -35,26 +36,20 @@ public:
           acceptor_(std::move(acceptor)),
           retryTimer_(acceptor_.get_executor()),
           limits_(limits),
-          accepted_(std::move(accepted)) {}
+          accepted_(std::move(accepted)) {
+        acceptor_.non_blocking(true);
+    }
 
     ~StreamAcceptor() = default;
     StreamAcceptor(StreamAcceptor const&) = delete;
     StreamAcceptor& operator=(StreamAcceptor const&) = delete;
 
     void accept() {
-        acceptor_.async_accept([self = this->shared_from_this()](boost::system::error_code const& error,
-                                                                 typename Protocol::socket socket) {
-            if (self->closed_) { return; }
-            if (isExhaustion(error) && self->dropNewcomer()) {
-                self->refuse(error.message());
-                self->accept();
-            } else if (error && error != boost::asio::error::connection_aborted) {
-                self->refuse(error.message());
-                self->retryLater();
-            } else {
-                if (!error) { self->take(std::move(socket)); }
-                if (!self->closed_) { self->accept(); }
-            }
+        insist([this] {
+            acceptor_.async_wait(Acceptor::wait_read,
+                                 [self = this->shared_from_this()](boost::system::error_code const& error) {
+                                     if (!self->closed_) { self->onReady(error); }
+                                 });
         });
     }
 
@@ -71,13 +66,45 @@ public:
 private:
     static constexpr auto retryTime = std::chrono::milliseconds(200);
 
+    /// Not by async_accept(): where that finds no memory for the socket, nobody hears of it, and nobody accepts any more.
+    void onReady(boost::system::error_code error) {
+        try {
+            typename Protocol::socket socket(acceptor_.get_executor());
+            if (!error) { acceptor_.accept(socket, error); }
+            if (error == boost::asio::error::would_block) { return accept(); }
+            onAccepted(error, std::move(socket));
+        } catch (std::bad_alloc const&) {
+            refuse([] { return "no memory left for them"; });
+            accept();
+        }
+    }
+
+    void onAccepted(boost::system::error_code const& error, typename Protocol::socket&& socket) {
+        if (isExhaustion(error) && dropNewcomer()) {
+            refuse([&] { return error.message(); });
+            accept();
+        } else if (error && error != boost::asio::error::connection_aborted) {
+            refuse([&] { return error.message(); });
+            retryLater();
+        } else {
+            if (!error) { take(std::move(socket)); }
+            if (!closed_) { accept(); }
+        }
+    }
+
     void take(typename Protocol::socket socket) {
-        if (limits_.budget && limits_.budget->full()) { return refuse("too many clients"); }
-        if (refused_ > 0) { log("accepts connections again, " + std::to_string(refused_) + " were refused"); }
+        if (limits_.budget && limits_.budget->full()) {
+            return refuse([] { return "too many clients"; });
+        }
+        if (refused_ > 0) {
+            ifMemoryAllows([&] { log("accepts connections again, " + std::to_string(refused_) + " were refused"); });
+        }
         refused_ = 0;
         try {
             accepted_(TcpConnection(TcpSocket(std::move(socket)), limits_));
-        } catch (std::bad_alloc const&) { refuse("no memory left for them"); }
+        } catch (std::bad_alloc const&) {
+            refuse([] { return "no memory left for them"; });
+        }
     }
 
     static bool isExhaustion(boost::system::error_code const& error) {
@@ -99,8 +126,10 @@ private:
     static int openSpare() { return ::open("/dev/null", O_RDONLY | O_CLOEXEC); }
 
     /// Logs the first of a series of connections that cannot be served, and counts them.
-    void refuse(std::string const& why) {
-        if (refused_ == 0) { log("cannot accept connections: " + why); }
+    template <class Why> void refuse(Why const& why) {
+        if (refused_ == 0) {
+            ifMemoryAllows([&] { log(std::string("cannot accept connections: ") + why()); });
+        }
         ++refused_;
     }
 
@@ -112,8 +141,10 @@ private:
     void retryLater() {
         if (spare_ < 0) { spare_ = openSpare(); }
         retryTimer_.expires_after(retryTime);
-        retryTimer_.async_wait([self = this->shared_from_this()](boost::system::error_code const& cancelled) {
-            if (!cancelled && !self->closed_) { self->accept(); }
+        insist([this] {
+            retryTimer_.async_wait([self = this->shared_from_this()](boost::system::error_code const& cancelled) {
+                if (!cancelled && !self->closed_) { self->accept(); }
+            });
         });
     }
 

@@ -2,6 +2,7 @@
 #include "platform/libio/TcpBudget.h"
 
 #include "platform/libio/EventLoop.h"
+#include "platform/libio/insist.h"
 
 #include <utility>
 
@@ -11,7 +12,7 @@ struct TcpBudget::Queue : std::enable_shared_from_this<TcpBudget::Queue> {
     explicit Queue(EventLoop& theLoop) : loop(theLoop) {}
 
     void runLater() {
-        loop.post([self = shared_from_this()] { self->runOne(); });
+        insist([this] { loop.post([self = shared_from_this()] { self->runOne(); }); });
     }
 
     void runOne() {

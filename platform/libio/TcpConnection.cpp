@@ -3,6 +3,7 @@
 
 #include "platform/libio/TcpBudget.h"
 #include "platform/libio/TcpSocket.h"
+#include "platform/libio/insist.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
@@ -73,7 +74,7 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
             work();
         } catch (std::bad_alloc const&) {
             partial = std::string(); // so that there is some for the goodbye
-            end("no memory left for it");
+            insist([this] { end("no memory left for it"); });
         }
     }
 
@@ -232,6 +233,8 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         auto const taken = socket.write_some(boost::asio::buffer(block.data() + sent, size), error);
         if (error == boost::asio::error::would_block) {
             flushWhenWritable();
+        } else if (error == boost::asio::error::interrupted) {
+            flushLater();
         } else if (error) {
             end(error.message());
         } else {
@@ -264,15 +267,17 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
 
     void finish(std::string const& theReason) {
         if (state != State::open) { return; }
-        state = State::finishing;
-        reason = theReason;
-        // Closing at once would reset the connection while the peer still sends, and the peer would not receive the
-        // reason.
-        farewell.expires_after(limits.farewell);
-        farewell.async_wait([self = shared_from_this()](error_code const& error) {
-            if (!error) { self->end(self->reason); }
+        guarded([&] {
+            state = State::finishing;
+            reason = theReason;
+            // Closing at once would reset the connection while the peer still sends, and the peer would not receive the
+            // reason.
+            farewell.expires_after(limits.farewell);
+            farewell.async_wait([self = shared_from_this()](error_code const& error) {
+                if (!error) { self->end(self->reason); }
+            });
+            if (queued.empty()) { sayGoodbye(); }
         });
-        if (queued.empty()) { sayGoodbye(); }
     }
 
     /// All that was queued is on its way.
@@ -292,9 +297,11 @@ struct TcpConnection::Impl : std::enable_shared_from_this<TcpConnection::Impl> {
         waiting = sent = 0;
         unread = {};
         share.hold(0);
-        boost::asio::post(socket.get_executor(), [self = shared_from_this(), theReason] {
-            self->partial = std::string();
-            if (!self->abandoned && self->handlers.closed) { self->handlers.closed(theReason); }
+        insist([&] { // or nobody would hear of the end
+            boost::asio::post(socket.get_executor(), [self = shared_from_this(), theReason] {
+                self->partial = std::string();
+                if (!self->abandoned && self->handlers.closed) { self->handlers.closed(theReason); }
+            });
         });
     }
 

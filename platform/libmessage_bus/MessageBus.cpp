@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/libmessage_bus/MessageBus.h"
 
+#include "platform/libio/insist.h"
+
 #include "platform/libtransport/Serializer.h"
 #include "platform/libtransport/readSerializable.h"
 #include "platform/libtransport/toText.h"
@@ -14,6 +16,7 @@
 #include <boost/uuid/uuid_io.hpp>
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -82,6 +85,11 @@ void warn(std::string const& text, std::exception const& error) {
     logExceptionWarning("MessageBus", text + ": ", error);
 }
 
+/// Ends what cannot be served as it should be.
+void endConnection(TcpConnection& connection, char const* reason) {
+    insist([&] { connection.close(reason); });
+}
+
 void traceLine(char const* way, std::string const& peer, std::string const& line) {
     Logger::log(LogLevel::debug, "MessageBus: " + peer + way + line.substr(0, shownTraffic), BOOST_CURRENT_LOCATION);
 }
@@ -95,12 +103,11 @@ MessageBus::MessageBus(EventLoop& loop, Handlers handlers, std::chrono::millisec
 
 PeerId MessageBus::attach(TcpConnection connection) {
     auto const id = PeerId{++lastPeer_};
-    auto& peer = peers_.try_emplace(id, std::move(connection)).first->second;
-    peer.opened = !handlers_.opening;
-    if (!peer.opened) {
-        peer.opening = Timer(loop_, openingTime_, [this, id] {
-            complain(id, "silent from the first: ");
-            peers_.at(id).connection.close("did not open the connection in time");
+    Timer opening; // what may fail comes before the peer is one
+    if (handlers_.opening) {
+        opening = Timer(loop_, openingTime_, [this, id] {
+            ifMemoryAllows([&] { complain(id, "silent from the first: "); });
+            insist([&] { peers_.at(id).connection.close("did not open the connection in time"); });
         });
     }
     TcpConnection::Handlers handlers;
@@ -108,6 +115,9 @@ PeerId MessageBus::attach(TcpConnection connection) {
     handlers.overlong = [this, id] { refuseLine(id, BadMessageError("line too long", nullptr)); };
     handlers.inputEnded = [this, id] { inputEnded(id); };
     handlers.closed = [this, id](std::string const& reason) { closed(id, reason); };
+    auto& peer = peers_.try_emplace(id, std::move(connection)).first->second;
+    peer.opened = !handlers_.opening;
+    peer.opening = std::move(opening);
     peer.connection.start(std::move(handlers));
     return id;
 }
@@ -144,13 +154,17 @@ void MessageBus::inputEnded(PeerId from) {
 void MessageBus::closed(PeerId peer, std::string const& reason) {
     unobserve(peer);
     auto const gone = peers_.find(peer);
-    Logger::log(LogLevel::info, "MessageBus: " + nameOf(gone->second) + " left: " + reason, BOOST_CURRENT_LOCATION);
-    if (gone->second.leftOut > 0 && complaints_.take(Allowance::Clock::now())) {
-        warn(std::to_string(gone->second.leftOut) + " complaints about " + nameOf(gone->second) + " left out",
-             BOOST_CURRENT_LOCATION);
-    }
+    ifMemoryAllows([&] {
+        Logger::log(LogLevel::info, "MessageBus: " + nameOf(gone->second) + " left: " + reason, BOOST_CURRENT_LOCATION);
+        if (gone->second.leftOut > 0 && complaints_.take(Allowance::Clock::now())) {
+            warn(std::to_string(gone->second.leftOut) + " complaints about " + nameOf(gone->second) + " left out",
+                 BOOST_CURRENT_LOCATION);
+        }
+    });
     peers_.erase(gone);
-    if (handlers_.left) { handlers_.left(peer, reason); }
+    ifMemoryAllows([&] {
+        if (handlers_.left) { handlers_.left(peer, reason); }
+    });
     finishAll(peer);
 }
 
@@ -346,15 +360,17 @@ void MessageBus::answer(PeerId asker, ConfirmablePtr const& response) {
                                     [&response](Asked const& one) { return one.id == response->correlation(); });
     if (asked == peer.unanswered.end()) { return; }
     if (response->result() == TResult::inProgress) {
-        sendAnswer(asker, response);
+        ifMemoryAllows([&] { sendAnswer(asker, response); });
         return;
     }
     auto const answered = std::move(*asked);
     peer.unanswered.erase(asked);
     peer.unansweredBytes -= answered.bytes;
-    peer.connection.occupy(peer.unansweredBytes);
-    if (!sendAnswer(asker, response)) { sendAnswer(asker, makeEmptyResponse(*answered.request, TResult::failure)); }
-    if (peer.inputEnded && peer.unanswered.empty()) { peer.connection.finish(TcpConnection::closedByPeer); }
+    try {
+        peer.connection.occupy(peer.unansweredBytes);
+        if (!sendAnswer(asker, response)) { sendAnswer(asker, makeEmptyResponse(*answered.request, TResult::failure)); }
+        if (peer.inputEnded && peer.unanswered.empty()) { peer.connection.finish(TcpConnection::closedByPeer); }
+    } catch (std::bad_alloc const&) { endConnection(peer.connection, "no memory left for its answer"); }
 }
 
 bool MessageBus::sendAnswer(PeerId to, ConfirmablePtr const& response) {
@@ -384,30 +400,40 @@ void MessageBus::request(PeerId to, ConfirmablePtr const& request, std::chrono::
     if (!added.second) { throw std::invalid_argument("the request is waiting for its answer already"); }
     auto& timer = added.first->second.deadline;
     auto const peer = peers_.find(to);
-    if (peer == peers_.end() || peer->second.inputEnded || text.size() > peer->second.connection.longestLine()) {
-        timer = Timer(loop_, std::chrono::milliseconds(0), [this, key] { finish(key, TResult::failure); });
-        return;
+    bool const isReached =
+        peer != peers_.end() && !peer->second.inputEnded && text.size() <= peer->second.connection.longestLine();
+    try {
+        timer = isReached ? Timer(loop_, deadline,
+                                  [this, key] {
+                                      ifMemoryAllows([&] { expired_.push_back(key); });
+                                      if (expired_.size() > expiredLimit) { expired_.pop_front(); }
+                                      finish(key, TResult::timeout);
+                                  })
+                          : Timer(loop_, std::chrono::milliseconds(0), [this, key] { finish(key, TResult::failure); });
+    } catch (std::bad_alloc const&) {
+        pending_.erase(added.first);
+        throw;
     }
-    timer = Timer(loop_, deadline, [this, key] {
-        expired_.push_back(key);
-        if (expired_.size() > expiredLimit) { expired_.pop_front(); }
-        finish(key, TResult::timeout);
-    });
-    deliver(to, request, std::move(text));
+    if (isReached) { deliver(to, request, std::move(text)); }
 }
 
 /// Ends a request's wait without an answer of the peer.
 void MessageBus::finish(Key const& key, TResult::Enum result) {
-    auto const found = pending_.find(key);
-    if (found != pending_.end()) { settle(found, makeResponse(*found->second.request, result)); }
+    insist([&] { // its sender would wait for ever
+        auto const found = pending_.find(key);
+        if (found != pending_.end()) { settle(found, makeResponse(*found->second.request, result)); }
+    });
 }
 
 void MessageBus::finishAll(PeerId peer) {
     std::vector<Key> keys; // copied, because a handler may send another request
-    for (auto it = pending_.lower_bound({peer, boost::uuids::nil_uuid()});
-         it != pending_.end() && it->first.first == peer; ++it) {
-        keys.push_back(it->first);
-    }
+    insist([&] {
+        keys.clear();
+        for (auto it = pending_.lower_bound({peer, boost::uuids::nil_uuid()});
+             it != pending_.end() && it->first.first == peer; ++it) {
+            keys.push_back(it->first);
+        }
+    });
     for (auto const& key : keys) { finish(key, TResult::failure); }
 }
 
@@ -436,8 +462,12 @@ void MessageBus::publish(std::string const& event, MessagePtr const& message) {
     std::string text; // written once, however many subscribed
     for (auto& [id, peer] : peers_) {
         if (!hears(peer, event)) { continue; }
-        if (text.empty()) { text = toText(*message); }
-        deliver(id, message, copyOf(text));
+        try {
+            if (text.empty()) { text = toText(*message); }
+            deliver(id, message, copyOf(text));
+        } catch (std::bad_alloc const&) { // it must not take what it was not sent for silence
+            endConnection(peer.connection, "no memory left for an event");
+        }
     }
 }
 

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 #include <string_view>
 
 namespace zorv {
@@ -56,7 +57,7 @@ boost::shared_ptr<TMessage const> readHeader(Serializer& s) {
             s >> Serializer::bases;
             s.element(0);
         }
-    } catch (std::exception const&) {
+    } catch (std::bad_alloc const&) { throw; } catch (std::exception const&) {
         // Even the identity cannot be read.
     }
     return nullptr;
@@ -69,7 +70,9 @@ boost::shared_ptr<TMessage> readFrom(Serializer& s) {
         boost::shared_ptr<Serializable> const object(s.deserialize());
         auto* const message = object ? object->asMessage() : nullptr;
         if (message != nullptr) { return {object, message}; }
-    } catch (std::exception const& error) { complaint = toLogText(placeOf(error) + error.what()); }
+    } catch (std::bad_alloc const&) { throw; } catch (std::exception const& error) {
+        complaint = toLogText(placeOf(error) + error.what());
+    }
     throw BadMessageError(complaint, readHeader(s));
 }
 
@@ -83,9 +86,9 @@ boost::shared_ptr<TMessage> readMessage(std::string const& text) {
     try {
         auto s = Serializer::over(text);
         return readFrom(s);
-    } catch (BadMessageError const&) { throw; } catch (std::exception const& error) {
-        complaint = toLogText(error.what());
-    }
+    } catch (BadMessageError const&) { throw; } catch (std::bad_alloc const&) {
+        throw; // says nothing of the message
+    } catch (std::exception const& error) { complaint = toLogText(error.what()); }
     throw BadMessageError(complaint, nullptr); // malformed: there is no header to be found
 }
 

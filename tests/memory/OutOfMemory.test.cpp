@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// What happens when memory runs out. The program replaces operator new, for the libraries too, to refuse allocations
-// during a test; so these tests are a separate program.
+// What happens when memory runs out.
 
 #include "platform/libzorvcrypto/base64Decode.h"
 #include "platform/libzorvcrypto/base64Encode.h"
+#include "tests/memory/Allocations.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/support/inChildProcess.h"
@@ -15,61 +15,11 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <new>
 #include <string>
 #include <utility>
 #include <vector>
-
-namespace {
-
-thread_local std::size_t largestAllocation = SIZE_MAX;
-thread_local std::size_t allocationsLeft = SIZE_MAX;
-
-/// Refuses allocations above a size as long as it lives.
-class AllocationLimit {
-public:
-    explicit AllocationLimit(std::size_t limit) { largestAllocation = limit; }
-    ~AllocationLimit() { largestAllocation = SIZE_MAX; }
-    AllocationLimit(AllocationLimit const&) = delete;
-    AllocationLimit& operator=(AllocationLimit const&) = delete;
-};
-
-/// Grants some allocations and refuses all that follow, as long as it lives.
-class AllocationCount {
-public:
-    explicit AllocationCount(std::size_t granted) { allocationsLeft = granted; }
-    ~AllocationCount() { allocationsLeft = SIZE_MAX; }
-    AllocationCount(AllocationCount const&) = delete;
-    AllocationCount& operator=(AllocationCount const&) = delete;
-
-    static bool ranOut() { return allocationsLeft == 0; }
-};
-
-bool isGranted(std::size_t size) {
-    if (size > largestAllocation || allocationsLeft == 0) { return false; }
-    if (allocationsLeft != SIZE_MAX) { --allocationsLeft; }
-    return true;
-}
-
-} // namespace
-
-// Out of line: a compiler that sees only one of new and delete warns of a mismatch.
-[[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
-    return isGranted(size) ? std::malloc(size > 0 ? size : 1) : nullptr;
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    auto* const memory = operator new(size, std::nothrow);
-    if (memory == nullptr) { throw std::bad_alloc(); }
-    return memory;
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
 
 namespace zorv {
 namespace {
@@ -79,7 +29,7 @@ namespace errc = boost::system::errc;
 TEST(OutOfMemory, IsAnErrorOfTheEncoder) {
     OctetVec const bytes(100'000);
     boost::system::error_code error;
-    AllocationLimit const limit(100'000);
+    Allocations::Limit const limit(100'000);
     EXPECT_EQ(crypto::base64Encode(bytes.data(), bytes.size(), false, error), "");
     EXPECT_EQ(error, errc::not_enough_memory);
 }
@@ -87,7 +37,7 @@ TEST(OutOfMemory, IsAnErrorOfTheEncoder) {
 TEST(OutOfMemory, IsAnErrorOfTheDecoder) {
     std::string const text(100'000, 'A');
     boost::system::error_code error;
-    AllocationLimit const limit(50'000);
+    Allocations::Limit const limit(50'000);
     auto const result = crypto::base64Decode(text.data(), text.size(), error);
     EXPECT_TRUE(!result);
     EXPECT_EQ(error, errc::not_enough_memory);
@@ -99,7 +49,7 @@ TEST(OutOfMemory, LeavesABlobWithoutContentsWithItsNewSizeAndItsOldChecksum) {
     LogCapture const log;
     bool failed = false;
     {
-        AllocationLimit const limit(100'000);
+        Allocations::Limit const limit(100'000);
         failed = blob.setContents(bytes);
     }
     EXPECT_TRUE(failed);
@@ -116,7 +66,7 @@ TEST(OutOfMemory, GivesNoBytesOfABlob) {
     LogCapture const log;
     OctetVec bytes = {1};
     {
-        AllocationLimit const limit(90'000);
+        Allocations::Limit const limit(90'000);
         bytes = blob.getContents();
     }
     EXPECT_TRUE(bytes.empty());
@@ -135,11 +85,11 @@ TEST(OutOfMemory, NeverMakesABlobThrowWhereverItHappens) {
         OctetVec none;
         bool failed = false;
         {
-            AllocationCount const count(granted);
+            Allocations::Count const count(granted);
             taken = good.getContents();
             none = corrupt.getContents();
             failed = filled.setContents(bytes);
-            ranOut = AllocationCount::ranOut();
+            ranOut = Allocations::Count::ranOut();
         }
         EXPECT_TRUE(taken.empty() || taken == (OctetVec{1, 2, 3, 4})) << granted;
         EXPECT_TRUE(none.empty()) << granted;
@@ -158,9 +108,9 @@ std::vector<ZResult::Enum> readWithFewAllocations(std::string const& path) {
         ManageNvmMsg message;
         auto result = ZResult::none;
         {
-            AllocationCount const count(results.size());
+            Allocations::Count const count(results.size());
             result = message.read(path);
-            ranOut = AllocationCount::ranOut();
+            ranOut = Allocations::Count::ranOut();
         }
         EXPECT_EQ(result == ZResult::success, !message.blobs().empty() && message.homeId() == 6) << results.size();
         results.push_back(result);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libclient/Client.h"
 
+#include "platform/libio/insist.h"
 #include "platform/libzorvlogger/Logger.h"
 #include "zwave/libquillet/SubscribeMsg.h"
 
@@ -121,7 +122,7 @@ void Client::later(std::function<void()> work) {
 
 void Client::failed(std::string const& reason) {
     state_ = State::waiting;
-    nextTry_ = Timer(loop_, nextWait_, [this] { connect(); });
+    insist([this] { nextTry_ = Timer(loop_, nextWait_, [this] { connect(); }); });
     nextWait_ = std::min(2 * nextWait_, timing_.longestRetry);
     if (handlers_.lost) { handlers_.lost(reason); }
 }

@@ -2,6 +2,7 @@
 #include "zwave/libcontroller/NodeTable.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace zorv::controller {
 
@@ -20,16 +21,25 @@ Device const* NodeTable::find(NodeId node) const noexcept {
 }
 
 void NodeTable::add(Device const& device) {
-    auto const placed = devices_.insert_or_assign(device.address().nodeId(), device).first;
-    observer_.nodeAdded(placed->second);
+    auto const [placed, isNew] = devices_.insert_or_assign(device.address().nodeId(), device);
+    try {
+        observer_.nodeAdded(placed->second);
+    } catch (...) { // what nobody knows of is not there: it is added again when the module is next read
+        if (isNew) { devices_.erase(placed); }
+        throw;
+    }
 }
 
 void NodeTable::remove(NodeId node) {
     auto const found = devices_.find(node);
     if (found == devices_.end()) { return; }
-    auto const device = found->second;
-    devices_.erase(found);
-    observer_.nodeRemoved(device);
+    auto removed = devices_.extract(found);
+    try {
+        observer_.nodeRemoved(removed.mapped());
+    } catch (...) {
+        devices_.insert(std::move(removed));
+        throw;
+    }
 }
 
 void NodeTable::clear() {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libserialapi/FrameReader.h"
 
+#include <new>
+
 namespace zorv::serialapi {
 
 std::optional<FrameReader::Item> FrameReader::push(Byte byte, TimePoint now) {
@@ -33,7 +35,13 @@ std::optional<FrameReader::Item> FrameReader::start(Byte byte, TimePoint now) {
 
 std::optional<FrameReader::Item> FrameReader::finish() {
     std::string why;
-    auto frame = Frame::decode(bytes_, why);
+    std::optional<Frame> frame;
+    try {
+        frame = Frame::decode(bytes_, why);
+    } catch (std::bad_alloc const&) {
+        giveUp(); // what comes next is no part of it
+        throw;
+    }
     if (!frame) {
         giveUp();
         return Item{Kind::badChecksum, {}}; // all else was looked at byte by byte

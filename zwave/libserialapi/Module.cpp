@@ -57,7 +57,8 @@ void Module::tick(TimePoint now) {
 }
 
 std::optional<TimePoint> Module::deadline() const noexcept {
-    if (closedUpload_ || (upload_ && upload_->loader.result())) { return TimePoint::min(); }
+    bool const isLeft = session_.hasEvents(); // by a handler that threw
+    if (isLeft || closedUpload_ || (upload_ && upload_->loader.result())) { return TimePoint::min(); }
     auto deadline = upload_ ? upload_->loader.deadline() : session_.deadline();
     for (auto const& call : calls_) {
         if (call.over) { return TimePoint::min(); }
@@ -69,9 +70,12 @@ std::optional<TimePoint> Module::deadline() const noexcept {
 Module::CallNumber Module::open(Call call, Frame frame, bool awaitsResponse, TimePoint now) {
     if (++lastCall_ == 0) { ++lastCall_; }
     call.number = lastCall_;
-    if (!upload_) { call.exchange = session_.request(std::move(frame), awaitsResponse, now); }
-    if (call.exchange == 0) { call.over = upload_ ? CallEnd::closed : CallEnd::queueFull; }
-    calls_.push_back(std::move(call));
+    std::list<Call> opened;
+    opened.push_back(std::move(call));
+    auto& one = opened.front();
+    if (!upload_) { one.exchange = session_.request(std::move(frame), awaitsResponse, now); }
+    if (one.exchange == 0) { one.over = upload_ ? CallEnd::closed : CallEnd::queueFull; }
+    calls_.splice(calls_.end(), opened); // nothing can fail once the request is on its way
     return lastCall_;
 }
 
@@ -168,7 +172,7 @@ void Module::watchUpload() {
 void Module::work(TimePoint now) {
     do {
         watchUpload();
-        for (auto const& event : session_.takeEvents()) { handle(event, now); }
+        while (auto const event = session_.takeEvent()) { handle(*event, now); }
         endOverdue(now);
     } while (tellEnds());
 }
@@ -192,7 +196,9 @@ void Module::handle(SessionEvent const& event, TimePoint now) {
 }
 
 void Module::onResponse(Call& call, Bytes const& parameters, TimePoint now) {
+    call.deadline = now + call.callbackTime; // for a handler that throws
     auto const step = call.response(parameters);
+    call.deadline.reset();
     if (call.over) { return; } // its own handler has cancelled it
     switch (step) {
     case Step::goOn: return awaitCallback(call, now);

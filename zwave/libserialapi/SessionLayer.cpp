@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "zwave/libserialapi/SessionLayer.h"
 
+#include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace zorv::serialapi {
@@ -11,6 +13,13 @@ constexpr Byte softReset = 0x08;
 
 /// Some modules spoil the high half of the byte by which they acknowledge a soft reset.
 bool isSpoiltAck(Byte byte) { return (byte & 0x0FU) == control::ack; }
+
+/// Makes room for more, so that nothing fails half way: what throws has changed nothing that the rules of the line do not
+/// mend, as they mend what is lost on it.
+template <class T> void reserve(std::vector<T>& items, std::size_t more) {
+    auto const size = items.size() + more;
+    if (size > items.capacity()) { items.reserve(std::max(size, 2 * items.capacity())); }
+}
 
 } // namespace
 
@@ -38,9 +47,11 @@ std::uint32_t SessionLayer::queue(Exchange exchange, std::size_t urgency, std::s
         ++counters_.lostFrames;
         return 0;
     }
-    if (++lastNumber_ == 0) { ++lastNumber_; }
-    exchange.number = lastNumber_;
+    exchange.bytes = exchange.frame.encode();
+    reserve(output_, exchange.bytes.size());
     waiting.push_back(std::move(exchange));
+    if (++lastNumber_ == 0) { ++lastNumber_; }
+    waiting.back().number = lastNumber_;
     sendNext(now);
     return lastNumber_;
 }
@@ -67,6 +78,7 @@ void SessionLayer::onStateTimeout(TimePoint now) {
     case State::settling: return enter(State::idle);
     case State::pausing: return transmit(now);
     case State::awaitingAck:
+        if (current_.isDelivered) { return delivered(now); }
         ++counters_.ackTimeouts;
         current_.ackWasLate = true;
         return retransmit(now);
@@ -83,6 +95,7 @@ void SessionLayer::sendNext(TimePoint now) {
     if (state_ != State::idle) { return; }
     for (auto& waiting : queues_) {
         if (waiting.empty()) { continue; }
+        reserve(output_, waiting.front().bytes.size());
         current_ = std::move(waiting.front());
         waiting.pop_front();
         return transmit(now);
@@ -90,16 +103,16 @@ void SessionLayer::sendNext(TimePoint now) {
 }
 
 void SessionLayer::transmit(TimePoint now) {
-    auto const bytes = current_.frame.encode();
-    output_.insert(output_.end(), bytes.begin(), bytes.end());
+    output_.insert(output_.end(), current_.bytes.begin(), current_.bytes.end());
     ++counters_.framesSent;
-    if (trace_) { trace_(side_, current_.frame); }
     enter(State::awaitingAck, now + ackTime_);
+    show(side_, current_.frame);
 }
 
 /// A host waits longer and longer before it tries again, a module does so at once.
 void SessionLayer::retransmit(TimePoint now) {
     if (current_.retransmissions == limits::retransmissions) {
+        reserve(events_, held_.size() + 2);
         status_ = SessionStatus::frameRetriesFailedError;
         bool const settle = side_ == Side::host;
         endExchange(SessionEvent::Kind::failed, SessionFailure::notAcknowledged, {}, settle, now);
@@ -107,6 +120,7 @@ void SessionLayer::retransmit(TimePoint now) {
         return;
     }
     auto const pause = limits::firstPause + current_.retransmissions * limits::pauseGrowth;
+    reserve(output_, current_.bytes.size());
     ++current_.retransmissions;
     ++counters_.retransmissions;
     if (side_ == Side::module) { return transmit(now); }
@@ -122,6 +136,7 @@ void SessionLayer::enter(State state, std::optional<TimePoint> deadline) noexcep
 /// numbers, and that answer would pass for the next one's.
 void SessionLayer::endExchange(SessionEvent::Kind kind, SessionFailure failure, Frame frame, bool settle,
                                TimePoint now) {
+    reserve(events_, held_.size() + 1);
     events_.push_back({kind, current_.number, std::move(frame), failure});
     for (auto& held : held_) { events_.push_back({SessionEvent::Kind::frame, 0, std::move(held)}); }
     held_.clear();
@@ -156,18 +171,22 @@ void SessionLayer::onByte(Byte byte, TimePoint now) {
 
 void SessionLayer::onData(Frame frame, TimePoint now) {
     if (side_ == Side::module && state_ == State::awaitingAck) { return put(control::can, counters_.cansSent); }
+    // What is acknowledged does not come again, so there has to be room for it before.
+    reserve(events_, held_.size() + 1);
+    reserve(output_, 1);
+    bool const isResponse = side_ == Side::host && frame.type == FrameType::response;
+    bool const isHeld = !isResponse && state_ == State::awaitingResponse && held_.size() < limits::heldFrames;
+    if (isHeld) { held_.push_back(frame); }
     put(control::ack, counters_.acksSent);
     ++counters_.framesReceived;
     badInARow_ = 0;
     status_ = SessionStatus::frameNormal;
-    if (trace_) { trace_(side_ == Side::host ? Side::module : Side::host, frame); }
+    show(side_ == Side::host ? Side::module : Side::host, frame);
 
-    if (side_ == Side::host && frame.type == FrameType::response) { return onResponse(std::move(frame), now); }
+    if (isResponse) { return onResponse(std::move(frame), now); }
     if (state_ != State::awaitingResponse) {
         events_.push_back({SessionEvent::Kind::frame, 0, std::move(frame)});
-    } else if (held_.size() < limits::heldFrames) {
-        held_.push_back(std::move(frame));
-    } else {
+    } else if (!isHeld) {
         ++counters_.lostFrames;
     }
 }
@@ -183,6 +202,7 @@ void SessionLayer::onResponse(Frame frame, TimePoint now) {
 
 void SessionLayer::onBadChecksum() {
     if (side_ == Side::module && state_ == State::awaitingAck) { return put(control::can, counters_.cansSent); }
+    reserve(events_, 1);
     put(control::nak, counters_.naksSent);
     ++counters_.checksumErrors;
     status_ = SessionStatus::frameChecksumError;
@@ -196,8 +216,22 @@ void SessionLayer::onAck(TimePoint now) {
     if (state_ != State::awaitingAck) { return; }
     status_ = SessionStatus::frameNormal;
     if (current_.awaitsResponse) { return enter(State::awaitingResponse, now + current_.responseTime); }
+    delivered(now);
+}
+
+void SessionLayer::delivered(TimePoint now) {
+    current_.isDelivered = true;
+    stateDeadline_ = now;
     endExchange(SessionEvent::Kind::delivered, SessionFailure::none, {}, current_.ackWasLate && side_ == Side::host,
                 now);
+}
+
+/// A trace that fails costs what it would have told, not the frame.
+void SessionLayer::show(Side sender, Frame const& frame) const noexcept {
+    if (!trace_) { return; }
+    try {
+        trace_(sender, frame);
+    } catch (std::exception const&) {} // NOLINT(bugprone-empty-catch): the line goes on
 }
 
 void SessionLayer::put(Byte controlByte, std::uint64_t& counter) {
@@ -211,6 +245,13 @@ Bytes SessionLayer::takeOutput() { return std::exchange(output_, {}); }
 
 std::vector<SessionEvent> SessionLayer::takeEvents() { return std::exchange(events_, {}); }
 
+std::optional<SessionEvent> SessionLayer::takeEvent() {
+    if (events_.empty()) { return std::nullopt; }
+    std::optional<SessionEvent> first(std::move(events_.front()));
+    events_.erase(events_.begin());
+    return first;
+}
+
 std::optional<TimePoint> SessionLayer::deadline() const noexcept {
     auto const reading = reader_.deadline();
     if (!reading || (stateDeadline_ && *stateDeadline_ < *reading)) { return stateDeadline_; }
@@ -218,6 +259,9 @@ std::optional<TimePoint> SessionLayer::deadline() const noexcept {
 }
 
 void SessionLayer::reset() {
+    std::size_t open = 1;
+    for (auto const& waiting : queues_) { open += waiting.size(); }
+    reserve(events_, open);
     auto const fail = [this](Exchange const& exchange) {
         events_.push_back({SessionEvent::Kind::failed, exchange.number, {}, SessionFailure::closed});
     };

@@ -79,6 +79,9 @@ struct SessionCounters {
 ///
 /// A value without a port, a clock or a thread: bytes and the time go in, bytes, events and the next deadline come out.
 /// After each call, write takeOutput() to the port, look at takeEvents(), and call tick() when deadline() has come.
+///
+/// Where memory runs out, std::bad_alloc: a request was not taken then, and what was received counts as lost on the line,
+/// whose rules have it sent again. A trace that throws is not heard of.
 class ZORV_EXPORT SessionLayer {
 public:
     using Trace = std::function<void(Side sender, Frame const& frame)>;
@@ -100,6 +103,8 @@ public:
 
     Bytes takeOutput();
     std::vector<SessionEvent> takeEvents();
+    std::optional<SessionEvent> takeEvent(); ///< the first of them
+    bool hasEvents() const noexcept { return !events_.empty(); }
     std::optional<TimePoint> deadline() const noexcept;
 
     /// Forgets everything; what was queued or under way fails with `closed`.
@@ -125,8 +130,10 @@ private:
         Frame frame;
         bool awaitsResponse = false;
         Milliseconds responseTime{};
+        Bytes bytes = {}; ///< of the frame
         unsigned int retransmissions = 0;
         bool ackWasLate = false;
+        bool isDelivered = false; ///< but there was no memory to say so
     };
 
     std::uint32_t queue(Exchange exchange, std::size_t urgency, std::size_t room, TimePoint now);
@@ -140,7 +147,9 @@ private:
     void onResponse(Frame frame, TimePoint now);
     void onBadChecksum();
     void onAck(TimePoint now);
+    void delivered(TimePoint now);
     void onStateTimeout(TimePoint now);
+    void show(Side sender, Frame const& frame) const noexcept;
     void put(Byte controlByte, std::uint64_t& counter);
 
     Side side_;
