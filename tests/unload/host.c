@@ -1,9 +1,12 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* A host program without anything of this project: it loads the catalogue and a plug-in that uses it, has the plug-in
-   work on a thread that goes on living, unloads both, and looks whether anything of them is still in memory. */
+   work on a thread that goes on living, unloads both, and looks whether anything of them is still in memory. A hundred
+   times, in turns with the plug-in first, and at the end it has no more mappings and no more memory than after the first
+   ten: what the system's own libraries make once they keep. */
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <malloc.h>
 #include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -81,6 +84,24 @@ static int countThreads(void) {
     return count;
 }
 
+static int countMappings(void) {
+    FILE* const maps = fopen("/proc/self/maps", "r");
+    if (maps == NULL) { fail("cannot read", "/proc/self/maps"); }
+    int count = 0;
+    for (int c; (c = fgetc(maps)) != EOF;) { count += c == '\n'; }
+    fclose(maps);
+    return count;
+}
+
+/* Bytes that were allocated and not given back. A sanitizer's allocator does not tell. */
+static size_t countBytes(void) { return mallinfo2().uordblks; }
+
+static void* load(char const* library) {
+    void* const handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+    if (handle == NULL) { fail("cannot load", dlerror()); }
+    return handle;
+}
+
 /* unload-host CATALOGUE PLUGIN LIBRARY...: the libraries are all those that must go, the catalogue among them. */
 int main(int argc, char** argv) {
     if (argc < 4) { fail("usage", "unload-host CATALOGUE PLUGIN LIBRARY..."); }
@@ -88,11 +109,14 @@ int main(int argc, char** argv) {
     if (pthread_create(&thread, NULL, &workOnThread, NULL) != 0) { fail("cannot start", "a thread"); }
     int const ownThreads = countThreads();
 
-    for (int round = 0; round < 3; ++round) {
-        void* const catalogue = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
-        if (catalogue == NULL) { fail("cannot load", dlerror()); }
-        void* const plugin = dlopen(argv[2], RTLD_NOW | RTLD_LOCAL);
-        if (plugin == NULL) { fail("cannot load", dlerror()); }
+    enum { rounds = 100, settled = 10, tolerance = 16384 };
+    int mappings = 0;
+    size_t bytes = 0;
+    for (int round = 1; round <= rounds; ++round) {
+        int const isFirst = round % 2 == 0; /* the plug-in, which has what it uses loaded before it */
+        void* const first = load(argv[isFirst ? 2 : 1]);
+        void* const second = load(argv[isFirst ? 1 : 2]);
+        void* const plugin = isFirst ? first : second;
         if (!isMapped(argv[1]) || !isMapped(argv[2])) { fail("loaded, but not in the memory map", argv[1]); }
 
         Work useCatalogue = NULL;
@@ -101,11 +125,18 @@ int main(int argc, char** argv) {
         memcpy(&useCatalogue, &symbol, sizeof symbol);
         if (!haveDone(useCatalogue)) { fail("the plug-in could not use the catalogue", argv[2]); }
 
-        if (dlclose(plugin) != 0 || dlclose(catalogue) != 0) { fail("cannot unload", dlerror()); }
+        if (dlclose(second) != 0 || dlclose(first) != 0) { fail("cannot unload", dlerror()); }
         for (int i = 2; i < argc; ++i) {
             if (isMapped(argv[i])) { fail("still in memory after it was unloaded", argv[i]); }
         }
+        if (round == settled) {
+            mappings = countMappings();
+            bytes = countBytes();
+        }
     }
+
+    if (countMappings() > mappings + 2) { fail("more mappings than before", "of anything"); } /* the heap's may split */
+    if (countBytes() > bytes + tolerance) { fail("more memory than before", "of anything"); }
 
     /* The log's own library keeps one thread for those who log asynchronously; it cannot be had without. */
     for (int tries = 0; countThreads() > ownThreads + 1; ++tries) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The host's plug-in. It uses the catalogue to read messages, good and bad, and logs a line.
+// The host's plug-in. It uses the catalogue to read messages, good and bad, and logs a line; and it reads one as it is
+// loaded, by an initializer of its own.
 
 #include "platform/libtransport/SerializerError.h"
 #include "platform/libtransport/readSerializable.h"
@@ -21,6 +22,8 @@ bool readsWhatItWrote() {
     return read && read->destination() == ping->destination() && read->id() == ping->id();
 }
 
+bool const hasReadWhileItWasLoaded = readsWhatItWrote();
+
 bool refusesAnUnknownClass() {
     try {
         zorv::readSerializable(R"({"__name__":"zorv::NoSuchMsg","__bases__":[]})");
@@ -34,6 +37,6 @@ bool refusesAnUnknownClass() {
 extern "C" __attribute__((visibility("default"))) int useCatalogue() {
     try {
         zorv::Logger::log(zorv::LogLevel::warn, "a line from the plug-in", BOOST_CURRENT_LOCATION);
-        return readsWhatItWrote() && refusesAnUnknownClass() ? 1 : 0;
+        return hasReadWhileItWasLoaded && readsWhatItWrote() && refusesAnUnknownClass() ? 1 : 0;
     } catch (std::exception const&) { return 0; }
 }
