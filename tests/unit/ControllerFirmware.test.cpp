@@ -136,6 +136,26 @@ constexpr Byte setRadio = 0x10;
 constexpr Byte softReset = 0x08;
 constexpr Byte enterBootloader = 0x27;
 
+TEST_F(ControllerFirmware, OfAModuleThatWaitsInItsLoaderIsStarted) {
+    open(newModule());
+    controller_.lost(now_);
+    module_->receive(serialapi::Frame{serialapi::FrameType::request, enterBootloader, {}}.encode(), now_);
+    while (auto const next = module_->deadline()) { // until it waits for a key
+        if (*next > now_ + Milliseconds(10'000)) { break; }
+        now_ = std::max(now_, *next);
+        module_->tick(now_);
+    }
+    module_->takeOutput();
+    diary_.take();
+    asked_.clear();
+    controller_.start(now_);
+    passes(Milliseconds(60'000));
+    EXPECT_EQ(controller_.state(), ModuleState::ready);
+    EXPECT_EQ(diary_.take(),
+              (Lines{"module starting", "the module has waited in its loader, and is started", "module ready"}));
+    EXPECT_EQ(count(softReset, {}), 0);
+}
+
 TEST_F(ControllerFirmware, IsReplacedAndTheModuleReadAgain) {
     open();
     EXPECT_EQ(version(), "Z-Wave 4.05");

@@ -317,6 +317,16 @@ TEST_F(ControllerLearnMode, IsLeftWhereItIsCancelled) {
     EXPECT_EQ(takeEnds(), Lines{"cancelled"});
 }
 
+TEST_F(ControllerLearnMode, IsLeftOnceWhereItEndsWhileItIsBeingLeft) {
+    begin(std::make_shared<LearnModeJob>(LearnMode::classic, byDefault));
+    module.takeHeard();
+    controller.cancel(submission.job, now);
+    controller.receive(ScriptedModule::request(0x50, {1, 7, 0, 0}).encode(), now); // crosses it on the line
+    play();
+    EXPECT_EQ(module.takeHeard(), Lines{"50 00 00"});
+    EXPECT_EQ(takeEnds(), Lines{"cancelled"});
+}
+
 TEST_F(ControllerLearnMode, IsLeftAtItsDeadline) {
     begin(std::make_shared<LearnModeJob>(LearnMode::classic, Milliseconds(2000)));
     module.takeHeard();

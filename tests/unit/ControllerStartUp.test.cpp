@@ -144,7 +144,7 @@ TEST_F(ControllerStartUp, ResetsAModuleThatStaysSilentNoSecondTimeUnlessItHasAns
 TEST_F(ControllerStartUp, TakesAModuleThatAcknowledgesNothingForSilent) {
     module.hang();
     controller.start(now);
-    passes(Milliseconds(45'000));
+    passes(Milliseconds(50'000));
     EXPECT_EQ(diary.take(), (Lines{"module starting", "module silent", "module starting", "module silent"}));
 }
 
@@ -157,6 +157,17 @@ TEST_F(ControllerStartUp, BeginsAgainWhereTheModuleRestartsMeanwhile) {
     hears(0x0A, {3, 0, 1, 2, 1, 0});
     passes(Milliseconds(15'000));
     EXPECT_EQ(controller.state(), ModuleState::ready);
+}
+
+TEST_F(ControllerStartUp, IsNotEndedByTheEndOfWhatWasAskedBeforeARestart) {
+    controller.start(now);
+    auto const asked = controller.takeOutput();
+    controller.receive(ScriptedModule::request(0x0A, {3, 0, 1, 2, 1, 0}).encode(), now);
+    controller.receive(module.exchange(asked, now), now);
+    play();
+    EXPECT_EQ(module.takeHeard(), (Lines{"15", "15", "07", "4a 05", "4b 05", "50 00 00", "10 01", "05", "56", "20",
+                                         "03 01 02 01 00", "02", "41 01", "41 05", "41 08"}));
+    EXPECT_EQ(diary.take().back(), "module ready");
 }
 
 TEST_F(ControllerStartUp, ReadsAModuleAgainThatHasRestartedByItself) {

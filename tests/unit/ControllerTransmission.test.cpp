@@ -186,6 +186,28 @@ TEST_F(ControllerTransmission, IsAbortedWhereItIsCancelled) {
     EXPECT_FALSE(controller.cancel(submission.job, now));
 }
 
+TEST_F(ControllerTransmission, IsNotOfferedAgainOnceItIsCancelled) {
+    module.isSilentOn<SendData>();
+    auto const submission = submit(std::make_shared<Transmission>(order(5)));
+    module.takeHeard();
+    controller.cancel(submission.job, now);
+    play();
+    controller.receive(refused().front().encode(), now);
+    play();
+    EXPECT_EQ(takeEnds(), Lines{"cancelled"});
+    passes(Milliseconds(5000));
+    EXPECT_EQ(module.takeHeard(), Lines{"16"});
+}
+
+TEST_F(ControllerTransmission, TellsThatANodeSleepsWhichWasAwakeAndDoesNotAcknowledge) {
+    hears(0x04, {0x00, 0x08, 0x02, 0x84, 0x07});
+    ASSERT_EQ(controller.network().nodes.find(8)->wakeStatus(), WakeStatus::awake);
+    allIsSentWith(1);
+    submit(std::make_shared<Transmission>(order(8)));
+    EXPECT_EQ(takeEnds(), Lines{"failed: not acknowledged"});
+    EXPECT_EQ(controller.network().nodes.find(8)->wakeStatus(), WakeStatus::asleep);
+}
+
 TEST_F(ControllerTransmission, WaitsForTheOneBeforeIt) {
     module.on<SendData>([](Bytes const&) { return taken(); });
     submit(std::make_shared<Transmission>(order(5)));

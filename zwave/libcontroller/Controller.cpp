@@ -62,7 +62,7 @@ template <class Work> void Controller::turn(TimePoint now, Work const& work) {
 void Controller::start(TimePoint now) {
     turn(now, [this] {
         wasReset_ = false;
-        startUp(false);
+        startUp(Restart::none);
     });
 }
 
@@ -70,7 +70,8 @@ void Controller::lost(TimePoint now) {
     turn(now, [this] {
         for (auto& entry : entries_) {
             bool const isAsked = entry.job->lane() == Job::Lane::frames; // somebody waits for it
-            if (isAsked || entry.job->state() == JobState::running) {
+            bool const isStart = entry.job->lane() == Job::Lane::module; // the next one comes with the port
+            if (isAsked || isStart || entry.job->state() == JobState::running) {
                 entry.job->end(JobState::failed, "the port is lost");
             }
         }
@@ -93,7 +94,7 @@ void Controller::tick(TimePoint now) {
         module_.tick(now_);
         for (auto& entry : entries_) { entry.job->tick(); }
         sendToSleep();
-        if (nextStartUp_ && now_ >= *nextStartUp_) { startUp(false); }
+        if (nextStartUp_ && now_ >= *nextStartUp_) { startUp(Restart::none); }
     });
 }
 
@@ -285,16 +286,19 @@ Controller::Entry* Controller::nextFrame() {
 
 // ---- the module's life
 
-void Controller::startUp(bool softReset) {
-    wasReset_ = wasReset_ || softReset;
+void Controller::startUp(Restart restart) {
+    wasReset_ = wasReset_ || restart != Restart::none;
     nextStartUp_.reset();
     auto output = takeOutput(); // an acknowledgement may be in it
     module_.reset();
     output_ = std::move(output);
     module_.start();
     enter(ModuleState::starting);
-    auto job = std::make_shared<StartUp>(softReset ? Restart::reset : Restart::none, remembered_);
-    auto end = [this, job] { startUpEnded(job->state() == JobState::done); };
+    auto job = std::make_shared<StartUp>(restart, remembered_);
+    auto end = [this, job] {
+        bool const mayWait = state_ == ModuleState::starting && !wasReset_ && !job->isAcknowledged();
+        mayWait ? leaveLoader() : startUpEnded(job->state() == JobState::done);
+    };
     add(job, std::move(end), 0);
 }
 
@@ -307,9 +311,21 @@ void Controller::startUpEnded(bool isReady) {
         enter(ModuleState::ready);
         return interviewAll();
     }
-    if (!wasReset_) { return startUp(true); }
+    if (!wasReset_) { return startUp(Restart::reset); }
     enter(ModuleState::silent);
     nextStartUp_ = now_ + limits::startUpPause;
+}
+
+/// A module that acknowledges nothing may wait in its loader, where an upload has left it that was broken off.
+void Controller::leaveLoader() {
+    serialapi::LoadHandlers handlers;
+    handlers.end = [this](serialapi::LoadResult const& result) {
+        if (result.end == serialapi::LoadEnd::closed) { return; } // the port was lost meanwhile
+        bool const wasThere = result.end == serialapi::LoadEnd::done;
+        if (wasThere) { observer_.noted("the module has waited in its loader, and is started"); }
+        startUp(wasThere ? Restart::byLoader : Restart::reset);
+    };
+    module_.load({}, std::move(handlers), now_);
 }
 
 /// What was remembered of this network is in the table now, or was of a node that the module does not have any more. A new
@@ -352,7 +368,7 @@ bool Controller::tellRestart() {
     sleepers_.clear();
     if (isByItself && wasExpected && reason.empty()) { return true; }
     observer_.noted(isByItself ? "the module has restarted" : "the module is reset: " + reason);
-    startUp(!isByItself);
+    startUp(isByItself ? Restart::none : Restart::reset);
     return true;
 }
 

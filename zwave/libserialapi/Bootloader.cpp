@@ -35,7 +35,10 @@ std::optional<std::uint32_t> errorOf(std::string const& text) {
 
 } // namespace
 
-void Bootloader::start(TimePoint now) { enter(State::awaitingMenu, limits::loaderMenuTime, now); }
+void Bootloader::start(TimePoint now) {
+    if (image_.empty()) { put(anyKey); } // it has shown its menu long ago
+    enter(State::awaitingMenu, limits::loaderMenuTime, now);
+}
 
 void Bootloader::receive(Bytes const& bytes, TimePoint now) {
     for (auto const byte : bytes) { onByte(byte, now); }
@@ -107,6 +110,10 @@ void Bootloader::onAnswer(Byte answer, TimePoint now) {
 void Bootloader::onPrompt(TimePoint now) {
     if (state_ == State::awaitingMenu) {
         text_.clear();
+        if (image_.empty()) {
+            outcome_ = {LoadEnd::done};
+            return finish();
+        }
         put(uploadKey);
         return enter(State::awaitingRequest, limits::loaderMenuTime, now);
     }

@@ -35,6 +35,7 @@ struct LoadResult {
 ///
 /// A value like the session layer: bytes and the time go in, bytes and the next deadline come out. It is to be started when
 /// the module has been told to enter its loader. When it is over, and there was a loader, that was told to start the module.
+/// Without an image it does only that.
 class ZORV_EXPORT Bootloader {
 public:
     explicit Bootloader(Bytes image) : image_(std::move(image)) {}

@@ -91,6 +91,7 @@ void StartUp::ask(typename F::Request request, std::function<void(typename F::Re
             --position_;
             return next();
         }
+        isAcknowledged_ = end != CallEnd::notAcknowledged;
         fail(std::string(F::name) + ": " + complaint(end));
     };
     call<F>(std::move(request), std::move(handlers));

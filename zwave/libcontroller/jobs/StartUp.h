@@ -23,6 +23,9 @@ public:
     char const* name() const noexcept override { return "start-up"; }
     Lane lane() const noexcept override { return Lane::module; }
 
+    /// False where it has failed because the module acknowledges nothing.
+    bool isAcknowledged() const noexcept { return isAcknowledged_; }
+
 protected:
     void run() override;
     void stepTimedOut() override { next(); }
@@ -63,6 +66,7 @@ private:
     std::size_t position_ = 0;
     unsigned int restarts_ = 0;
     bool awaitsStart_ = false;
+    bool isAcknowledged_ = true;
     TimePoint patience_{};      ///< until then it may be silent: its loader copies other firmware
     Byte segment_ = 0;          ///< of the long range nodes
     std::vector<NodeId> nodes_; ///< not asked yet, the last one first
