@@ -13,6 +13,7 @@ thread_local std::size_t grantsLeft = SIZE_MAX;   // before the refusals begin
 thread_local std::size_t refusalsLeft = SIZE_MAX; // before grants begin again
 thread_local bool refused = false;
 std::atomic<long> liveCount{0};
+thread_local long liveOfThread = 0;
 
 bool isGranted(std::size_t size) {
     if (size > largestAllocation) { return false; }
@@ -35,6 +36,7 @@ void refuseAfter(std::size_t granted, std::size_t refusals) {
 void release(void* memory) {
     if (memory == nullptr) { return; }
     liveCount.fetch_sub(1, std::memory_order_relaxed);
+    --liveOfThread;
     std::free(memory);
 }
 
@@ -44,7 +46,10 @@ void release(void* memory) {
 [[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
     if (!isGranted(size)) { return nullptr; }
     auto* const memory = std::malloc(size > 0 ? size : 1);
-    if (memory != nullptr) { liveCount.fetch_add(1, std::memory_order_relaxed); }
+    if (memory != nullptr) {
+        liveCount.fetch_add(1, std::memory_order_relaxed);
+        ++liveOfThread;
+    }
     return memory;
 }
 
@@ -61,6 +66,7 @@ void release(void* memory) {
 namespace zorv {
 
 long Allocations::live() noexcept { return liveCount.load(std::memory_order_relaxed); }
+long Allocations::liveHere() noexcept { return liveOfThread; }
 
 Allocations::Limit::Limit(std::size_t limit) noexcept { largestAllocation = limit; }
 Allocations::Limit::~Limit() { largestAllocation = SIZE_MAX; }

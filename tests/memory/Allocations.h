@@ -15,6 +15,9 @@ public:
     /// Allocations of all threads that were not given back.
     static long live() noexcept;
 
+    /// As above, of this thread less what it gave back: other threads, such as the log's, come and go.
+    static long liveHere() noexcept;
+
     /// Refuses allocations above a size, as long as it lives.
     class Limit {
     public:

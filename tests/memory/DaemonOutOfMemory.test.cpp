@@ -21,6 +21,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -108,7 +109,7 @@ private:
         explicit Port(Module& module) : module_(module) {}
         void write(serialapi::Bytes const& bytes) override {
             Allocations::Pardon const pardon; // what the test needs
-            module_.thread_.loop().post([this, bytes] { module_.player_->receive(bytes); });
+            module_.thread_.loop().post([&module = module_, bytes] { module.player_->receive(bytes); });
         }
 
     private:
@@ -134,7 +135,9 @@ public:
         port_ = listener_->local().port();
         daemon_->open();
         thread_.start();
-        scenario::MessageClient(port_).waitForStart();
+        scenario::MessageClient client(port_);
+        client.waitForStart();
+        while (!knowsItsNodes(client)) {} // what they say of themselves takes memory
     }
 
     ~Stage() {
@@ -173,6 +176,13 @@ public:
     }
 
 private:
+    static bool knowsItsNodes(scenario::MessageClient& client) {
+        auto const answer = client.ask(NodeInformationMsg::create(GetNodesOp::get, DisplayOption::none, {}));
+        auto const& devices = answer->devices();
+        return std::all_of(devices.begin(), devices.end(),
+                           [](auto const& entry) { return entry.second->deviceStatus() == DeviceStatus::ready; });
+    }
+
     TemporaryDirectory state_;
     LoopThread thread_;
     Module module_;

@@ -40,7 +40,7 @@ template <class Work, class Whole> Refusals refuseEach(Work const& work, Whole c
     EXPECT_TRUE(isWhole());
     Refusals refusals;
     refusals.all = forEachAllocation([&](std::size_t granted) {
-        auto const before = Allocations::live();
+        auto const before = Allocations::liveHere();
         bool wasRefused = false;
         {
             Allocations::Gap const gap(granted);
@@ -49,7 +49,7 @@ template <class Work, class Whole> Refusals refuseEach(Work const& work, Whole c
             } catch (std::bad_alloc const&) { ++refusals.heard; }
             wasRefused = Allocations::Gap::wasReached();
         }
-        EXPECT_EQ(Allocations::live(), before) << "the one after " << granted;
+        EXPECT_EQ(Allocations::liveHere(), before) << "the one after " << granted;
         EXPECT_TRUE(isWhole()) << "the one after " << granted;
         return wasRefused;
     });
@@ -212,7 +212,7 @@ private:
 
 TEST(EachAllocation, MayFailInASessionAndCostsNoFrame) {
     auto const refusals = forEachAllocation([](std::size_t granted) {
-        auto const before = Allocations::live();
+        auto const before = Allocations::liveHere();
         bool wasRefused = false;
         {
             Line line;
@@ -235,7 +235,7 @@ TEST(EachAllocation, MayFailInASessionAndCostsNoFrame) {
                 if (again == 0) { line.pass(); }
             }
         }
-        EXPECT_EQ(Allocations::live(), before) << granted;
+        EXPECT_EQ(Allocations::liveHere(), before) << granted;
         return wasRefused;
     });
     EXPECT_GT(refusals, 10U);
