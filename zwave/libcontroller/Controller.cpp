@@ -62,7 +62,7 @@ template <class Work> void Controller::turn(TimePoint now, Work const& work) {
 void Controller::start(TimePoint now) {
     turn(now, [this] {
         wasReset_ = false;
-        startUp(Restart::none);
+        startUp(false);
     });
 }
 
@@ -94,7 +94,7 @@ void Controller::tick(TimePoint now) {
         module_.tick(now_);
         for (auto& entry : entries_) { entry.job->tick(); }
         sendToSleep();
-        if (nextStartUp_ && now_ >= *nextStartUp_) { startUp(Restart::none); }
+        if (nextStartUp_ && now_ >= *nextStartUp_) { startUp(false); }
     });
 }
 
@@ -286,6 +286,8 @@ Controller::Entry* Controller::nextFrame() {
 
 // ---- the module's life
 
+void Controller::startUp(bool softReset) { startUp(softReset ? Restart::reset : Restart::none); }
+
 void Controller::startUp(Restart restart) {
     wasReset_ = wasReset_ || restart != Restart::none;
     nextStartUp_.reset();
@@ -311,7 +313,7 @@ void Controller::startUpEnded(bool isReady) {
         enter(ModuleState::ready);
         return interviewAll();
     }
-    if (!wasReset_) { return startUp(Restart::reset); }
+    if (!wasReset_) { return startUp(true); }
     enter(ModuleState::silent);
     nextStartUp_ = now_ + limits::startUpPause;
 }
@@ -368,7 +370,7 @@ bool Controller::tellRestart() {
     sleepers_.clear();
     if (isByItself && wasExpected && reason.empty()) { return true; }
     observer_.noted(isByItself ? "the module has restarted" : "the module is reset: " + reason);
-    startUp(isByItself ? Restart::none : Restart::reset);
+    startUp(!isByItself);
     return true;
 }
 

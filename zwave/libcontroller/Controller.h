@@ -118,6 +118,7 @@ private:
     Refusal refusalOf(Job const& job, std::string& reason) const;
     Entry& add(std::shared_ptr<Job> job, std::function<void()> end, JobNumber parent);
 
+    void startUp(bool softReset);
     void startUp(Restart restart);
     void leaveLoader();
     void startUpEnded(bool isReady);
