@@ -108,9 +108,11 @@ TEST(EachAllocation, MayFailInRegistering) {
     EXPECT_EQ(refusals.heard, refusals.all);
 }
 
+Serializable* makeNothing(Serializer&, Serializable*) { return nullptr; }
+
 TEST(EachAllocation, MayFailInRefusingANameThatIsTaken) {
     Logger::consoleThreshold(LogLevel::error);
-    SerialFactory const factory = [](Serializer&, Serializable*) -> Serializable* { return nullptr; };
+    SerialFactory const factory = &makeNothing;
     auto const refusals = refuseEach([&] { SerialRegistrar const registrar("zorv::PingMsg", factory); },
                                      [] { return readSerializable(golden("PingMsg")) != nullptr; });
     Logger::consoleThreshold(LogLevel::warn);

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <set>
 #include <string>
@@ -47,7 +48,7 @@ TEST(UnloadCatalogue, LoadingRegistersTheNamesAndUnloadingTakesThemAway) {
     EXPECT_TRUE(zorv::SerialRegistry::find("zorv::PingMsg").empty());
 }
 
-std::ptrdiff_t countMappings() {
+std::streamoff countMappings() {
     std::ifstream maps("/proc/self/maps");
     return std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
 }
@@ -57,7 +58,7 @@ std::string textOf(std::string const& name) { return R"({"__name__":"zorv::)" + 
 TEST(UnloadCatalogue, ItCanBeLoadedAHundredTimes) {
     std::vector<std::string> const before = zorv::SerialRegistry::names();
     std::vector<std::string> loaded;
-    std::ptrdiff_t mappings = 0;
+    std::streamoff mappings = 0;
     for (int round = 1; round <= 100; ++round) {
         void* const library = dlopen(zorv::libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL);
         ASSERT_NE(library, nullptr) << dlerror();
