@@ -16,8 +16,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <ios>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -48,9 +46,12 @@ TEST(UnloadCatalogue, LoadingRegistersTheNamesAndUnloadingTakesThemAway) {
     EXPECT_TRUE(zorv::SerialRegistry::find("zorv::PingMsg").empty());
 }
 
-std::streamoff countMappings() {
+/// Those of files: how many the heap has is its own affair, and a sanitizer's heap grows.
+int countMappings() {
     std::ifstream maps("/proc/self/maps");
-    return std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+    int count = 0;
+    for (std::string line; std::getline(maps, line);) { count += line.find('/') != std::string::npos ? 1 : 0; }
+    return count;
 }
 
 std::string textOf(std::string const& name) { return R"({"__name__":"zorv::)" + name + "\"}"; }
@@ -58,7 +59,7 @@ std::string textOf(std::string const& name) { return R"({"__name__":"zorv::)" + 
 TEST(UnloadCatalogue, ItCanBeLoadedAHundredTimes) {
     std::vector<std::string> const before = zorv::SerialRegistry::names();
     std::vector<std::string> loaded;
-    std::streamoff mappings = 0;
+    int mappings = 0;
     for (int round = 1; round <= 100; ++round) {
         void* const library = dlopen(zorv::libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL);
         ASSERT_NE(library, nullptr) << dlerror();
@@ -71,7 +72,7 @@ TEST(UnloadCatalogue, ItCanBeLoadedAHundredTimes) {
         if (round == 10) { mappings = countMappings(); }
     }
     EXPECT_THAT(loaded, Contains("zorv::PingMsg"));
-    EXPECT_LE(countMappings(), mappings + 2); // the heap's may split
+    EXPECT_EQ(countMappings(), mappings);
 }
 
 /// The catalogue, and another file of the same contents.
