@@ -12,7 +12,10 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 
 find_program(QUILLET_CCACHE ccache DOC "Compiler cache, used when found")
 if(QUILLET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${QUILLET_CCACHE}")
+    # It serves what is compiled with a precompiled header only where it may overlook that header's date and macros. The
+    # tests are most of a build.
+    set(CMAKE_CXX_COMPILER_LAUNCHER env
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime "${QUILLET_CCACHE}")
 endif()
 
 # All targets of this project link to this. It is not installed, so it does not bind consumers.
