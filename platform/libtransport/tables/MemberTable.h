@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "platform/Export.h"
 #include "platform/libtransport/SerialValue.h"
 #include "platform/libtransport/limits.h"
 #include "platform/libtransport/tables/TypeDescriptor.h"
 #include "platform/libtransport/tables/identifiers.h"
 
+#include <array>
+#include <cstddef>
 #include <limits>
 #include <map>
 #include <string>
@@ -181,18 +184,36 @@ template <class T> TypeDescriptor describeType(Type<T>) {
     }
 }
 
+template <class T> [[gnu::cold]] TypeDescriptor describeValue() { return describeType(Type<T>()); }
+
+template <class T> [[gnu::cold]] void insertValue(Serializer& s, void const* value) {
+    s << *static_cast<T const*>(value);
+}
+
+/// What is known of a member where its type is: what describes it needs no code of its own for each.
+struct MemberSample {
+    char const* key;
+    char const* doc;
+    void const* value; ///< of a default-constructed object
+    TypeDescriptor (*describe)();
+    void (*insert)(Serializer& s, void const* value);
+};
+
+ZORV_EXPORT std::vector<MemberDescriptor> describeSamples(MemberSample const* samples, std::size_t count);
+
+template <class Value, class Entry> MemberSample sampleOf(Value const& value, Entry const& m) {
+    return {m.key.data(), m.doc, &value, &describeValue<Value>, &insertValue<Value>};
+}
+
 /// Describes the members of a class; their defaults are those of `blank`.
 template <class Self, class Members>
 [[gnu::cold]] std::vector<MemberDescriptor> describeMembers(Self const& blank, Members const& members) {
-    std::vector<MemberDescriptor> descriptors;
-    auto const add = [&](auto const& m) {
-        using T = std::decay_t<decltype(blank.*m.pointer)>;
-        Serializer s;
-        s << blank.*m.pointer;
-        descriptors.push_back({std::string(m.key), m.doc, describeType(Type<T>()), s.str()});
-    };
-    std::apply([&](auto const&... m) { (add(m), ...); }, members);
-    return descriptors;
+    return std::apply(
+        [&blank](auto const&... m) {
+            std::array<MemberSample, sizeof...(m)> const samples{sampleOf(blank.*m.pointer, m)...};
+            return describeSamples(samples.data(), samples.size());
+        },
+        members);
 }
 
 /// Describes an object that insertRecord writes.
