@@ -132,6 +132,7 @@ endfunction()
 #
 # Every <folder>/**/*.test.cpp as the program <folder>-tests, linked to the given targets; each TEST in it is a ctest
 # test with the folder's name as its label. There is one program per folder, because linking many small ones takes long.
+# A folder of QUILLET_LEAVE_OUT has its program only for who asks for it, and no tests.
 function(quillet_tests folder)
     quillet_find_sources(sources "${folder}/*.cpp")
     if(NOT sources)
@@ -145,6 +146,10 @@ function(quillet_tests folder)
     target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
     add_dependencies(${target} quillet quillet-program-zwaved quillet-program-zwavesim quillet-program-quillet)
+    if(folder IN_LIST QUILLET_LEAVE_OUT)
+        set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
+        return()
+    endif()
     gtest_discover_tests(${target}
         TEST_PREFIX "${folder}/"
         DISCOVERY_TIMEOUT 120
