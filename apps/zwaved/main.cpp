@@ -3,6 +3,7 @@
 #include "apps/defaultLineLimit.h"
 #include "apps/logLevelOption.h"
 #include "apps/manualPage.h"
+#include "apps/runService.h"
 #include "apps/zwaved/Daemon.h"
 #include "apps/zwaved/ServiceManager.h"
 #include "apps/zwaved/ports.h"
@@ -13,8 +14,6 @@
 #include "platform/libio/TcpListener.h"
 #include "platform/libio/UnixListener.h"
 #include "platform/libio/availableMemory.h"
-#include "platform/libzorvlogger/Logger.h"
-#include "platform/libzorvlogger/printable.h"
 #include "zwave/libmodulesim/readNetwork.h"
 
 #include <CLI/CLI.hpp>
@@ -36,9 +35,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int cannotRun = 1;
-constexpr int wrongUsage = 2;
 
 constexpr std::size_t kibibyte = 1024;
 constexpr std::size_t mebibyte = 1024 * kibibyte;
@@ -206,22 +202,10 @@ void run(Options const& options) {
 } // namespace
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);
     // The memory of long lines goes back to the system, instead of fragmenting the heap.
     ::mallopt(M_MMAP_THRESHOLD, static_cast<int>(128 * kibibyte));
     Options options;
     CLI::App app("Serves the messages of its clients by a Z-Wave controller module", "zwaved");
     addTo(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (CLI::ParseError const& error) { return zorv::endWithUsage(app, error, wrongUsage); }
-    zorv::Logger::initialize();
-    zorv::Logger::consoleThreshold(options.logLevel);
-    try {
-        run(options);
-    } catch (std::exception const& error) {
-        std::cerr << "zwaved: " << zorv::printableLines(error.what()) << '\n';
-        return cannotRun;
-    }
-    return 0;
+    return zorv::runService(app, argc, argv, options, run);
 }

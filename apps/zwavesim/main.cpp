@@ -2,11 +2,10 @@
 #include "apps/commandLine.h"
 #include "apps/logLevelOption.h"
 #include "apps/manualPage.h"
+#include "apps/runService.h"
 #include "apps/zwavesim/ModuleDevice.h"
 
 #include "platform/libio/EventLoop.h"
-#include "platform/libzorvlogger/Logger.h"
-#include "platform/libzorvlogger/printable.h"
 #include "zwave/libmodulesim/readNetwork.h"
 
 #include <CLI/CLI.hpp>
@@ -18,9 +17,6 @@
 #include <string>
 
 namespace {
-
-constexpr int cannotRun = 1;
-constexpr int wrongUsage = 2;
 
 struct Options {
     std::string networkFile;
@@ -67,20 +63,8 @@ void run(Options const& options) {
 } // namespace
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);
     Options options;
     CLI::App app("Simulated Z-Wave controller module on a pseudo terminal", "zwavesim");
     addTo(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (CLI::ParseError const& error) { return zorv::endWithUsage(app, error, wrongUsage); }
-    zorv::Logger::initialize();
-    zorv::Logger::consoleThreshold(options.logLevel);
-    try {
-        run(options);
-    } catch (std::exception const& error) {
-        std::cerr << "zwavesim: " << zorv::printableLines(error.what()) << '\n';
-        return cannotRun;
-    }
-    return 0;
+    return zorv::runService(app, argc, argv, options, run);
 }
