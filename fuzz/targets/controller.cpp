@@ -46,9 +46,11 @@ public:
     }
 
 private:
+    static constexpr unsigned int steps = 13;
+
     void step() {
         auto& controller = stage_.controller;
-        switch (script_.byte() % 12) {
+        switch (script_.byte() % steps) {
         case 0: controller.receive(script_.bytes(), stage_.now); break;
         case 1: controller.receive(script_.frame().encode(), stage_.now); break;
         case 2: {
@@ -77,7 +79,8 @@ private:
             controller.lost(stage_.now);
             controller.start(stage_.now);
             break;
-        default: callBack(); break;
+        case 11: callBack(); break;
+        default: reportsTransmissions(script_.byte()); break;
         }
     }
 
@@ -98,6 +101,17 @@ private:
         parameters.insert(parameters.begin(), id);
         parameters.resize(std::min(parameters.size(), Frame::largestParameters));
         stage_.hears(function, std::move(parameters));
+    }
+
+    /// From now on a transmission is taken, and ends with this status.
+    void reportsTransmissions(serialapi::Byte status) {
+        using serialapi::SendData;
+        stage_.module.on<SendData>([status](serialapi::Bytes const& parameters) -> std::vector<Frame> {
+            auto const callbackId = parameters.empty() ? serialapi::Byte{0} : parameters.back();
+            return {
+                ScriptedModule::response(SendData::id, {1}),
+                ScriptedModule::request(SendData::id, {callbackId, status, serialapi::Byte{0}, serialapi::Byte{2}})};
+        });
     }
 
     void submit() {
@@ -124,8 +138,45 @@ private:
 
 void run(std::string const& input) { Story(input).tell(); }
 
+/// A transmission to the node of the stage that sleeps, as anyJob reads it.
+void submitToSleeper(ScriptWriter& script, unsigned int asleep) {
+    constexpr unsigned int transmission = jobKinds - 1;
+    script.byte(5).byte(transmission).byte(200); // seconds
+    script.byte(0).byte(8);                      // one node
+    script.byte(1).byte(asleep).byte(0);
+    script.byte(1).bytes({0x25, 0x01, 0xFF});
+}
+
+void wakeUp(ScriptWriter& script) { script.byte(9).byte(0).byte(8).bytes({0x84, 0x07}); }
+
+/// What waits for a node that sleeps, how it goes when the node wakes up, and how the node is sent to sleep again.
+void addSleepers(Target::Texts& texts) {
+    for (unsigned int const status : {0U, 1U}) { // acknowledged, or not
+        for (unsigned int asleep = 0; asleep < 3; ++asleep) {
+            ScriptWriter script;
+            script.byte(2).byte(12).byte(status);
+            submitToSleeper(script, asleep);
+            submitToSleeper(script, 0);
+            wakeUp(script);
+            submitToSleeper(script, asleep);
+            script.byte(4).number(1500);
+            wakeUp(script);
+            script.byte(12).byte(1 - status).byte(7).byte(2);
+            submitToSleeper(script, 0);
+            script.byte(9).byte(0).byte(8).bytes({0x25, 0x03, 0xFF}).byte(4).number(60'000);
+            texts.push_back(script.text());
+        }
+    }
+    ScriptWriter script;
+    script.byte(2).byte(12).byte(0);
+    for (std::size_t i = 0; i < limits::sleepersFrames + 2; ++i) { submitToSleeper(script, 0); }
+    wakeUp(script);
+    texts.push_back(script.text());
+}
+
 Target::Texts seeds() {
     Target::Texts texts;
+    addSleepers(texts);
     // What modules have said, to a controller that asks other things.
     for (auto const& recording : recordedLines()) {
         ScriptWriter script;
