@@ -132,6 +132,7 @@ endfunction()
 #
 # Every <folder>/**/*.test.cpp as the program <folder>-tests, linked to the given targets; each TEST in it is a ctest
 # test with the folder's name as its label. There is one program per folder, because linking many small ones takes long.
+# With sanitizers, unit tests run a hundred or so in a process: it takes longer to begin than most of them take.
 # A folder of QUILLET_LEAVE_OUT has its program only for who asks for it, and no tests.
 function(quillet_tests folder)
     quillet_find_sources(sources "${folder}/*.cpp")
@@ -148,6 +149,19 @@ function(quillet_tests folder)
     add_dependencies(${target} quillet quillet-program-zwaved quillet-program-zwavesim quillet-program-quillet)
     if(folder IN_LIST QUILLET_LEAVE_OUT)
         set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
+        return()
+    endif()
+    if(QUILLET_SANITIZE AND folder STREQUAL "unit")
+        set(shards 16)
+        foreach(shard RANGE 1 ${shards})
+            math(EXPR index "${shard} - 1")
+            set(test ${folder}/Shard.${shard}Of${shards})
+            add_test(NAME ${test} COMMAND ${target})
+            set_tests_properties(${test} PROPERTIES LABELS ${folder} TIMEOUT 600
+                ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}"
+                FAIL_REGULAR_EXPRESSION "0 tests from 0 test suites ran"
+                SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]|YOU HAVE [0-9]+ DISABLED TEST")
+        endforeach()
         return()
     endif()
     gtest_discover_tests(${target}
